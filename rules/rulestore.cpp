@@ -1,0 +1,69 @@
+// SPDX-FileCopyrightText: 2026 The Sendrivo authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "rules/rulestore.h"
+
+#include <QSettings>
+
+namespace {
+
+const QLatin1String flagGroup("zeph");
+const QLatin1String currentRuleKey("currule/rule");
+
+QString flagKey(const QString &name)
+{
+    return flagGroup + QLatin1Char('/') + name;
+}
+
+QString ruleKey(const QString &name, QLatin1String key)
+{
+    return name + QLatin1Char('/') + key;
+}
+
+} // namespace
+
+QStringList ruleNames(QSettings &settings)
+{
+    settings.beginGroup(flagGroup);
+    const QStringList names = settings.childKeys();
+    settings.endGroup();
+    return names;
+}
+
+bool isRuleNameTaken(const QSettings &settings, const QString &name)
+{
+    return settings.value(flagKey(name), QStringLiteral("0")).toString() == QLatin1String("1");
+}
+
+Subtext readRule(const QSettings &settings, const QString &name)
+{
+    const auto number = [&](const char *key) {
+        return settings.value(ruleKey(name, QLatin1String(key)), QStringLiteral("0")).toInt();
+    };
+    Subtext rule;
+    rule.left = number("xpos");
+    rule.top = number("ypos");
+    rule.width = number("wid");
+    rule.height = number("hei");
+    rule.text = settings.value(ruleKey(name, QLatin1String("text"))).toString();
+    return rule;
+}
+
+void saveRule(QSettings &settings, const QString &name, const Subtext &fragment)
+{
+    settings.setValue(flagKey(name), QStringLiteral("1"));
+    settings.setValue(currentRuleKey, name);
+    const auto store = [&](const char *key, const QString &value) {
+        settings.setValue(ruleKey(name, QLatin1String(key)), value);
+    };
+    store("xpos", QString::number(fragment.left));
+    store("ypos", QString::number(fragment.top));
+    store("wid", QString::number(fragment.width));
+    store("hei", QString::number(fragment.height));
+    store("text", fragment.text);
+}
+
+QString currentRuleName(const QSettings &settings)
+{
+    return settings.value(currentRuleKey).toString();
+}

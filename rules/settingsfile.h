@@ -1,0 +1,13 @@
+// SPDX-FileCopyrightText: 2026 The Sendrivo authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include <QString>
+
+/// The one settings file, in QSettings::IniFormat. The bare name resolves against the working
+/// directory, so each folder that Sendrivo is started in keeps rules and choices of its own.
+inline QString settingsFileName()
+{
+    return QStringLiteral("setting.ini");
+}

@@ -1,0 +1,66 @@
+// SPDX-FileCopyrightText: 2026 The Sendrivo authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "split/outputname.h"
+
+#include "split/splitdecision.h"
+
+#include <QTextBoundaryFinder>
+
+namespace {
+
+const QLatin1String suffix(".pdf");
+
+/// `text` as it may stand in a file name, without regard to its length.
+QString fileNameText(QString text)
+{
+    for (QChar &c : text) {
+        if (c == QLatin1Char('/'))
+            c = QLatin1Char('-');
+        else if (c < QChar(0x20) || c == QChar(0x7f))
+            c = QLatin1Char(' ');
+    }
+    return text;
+}
+
+/// The longest beginning of `text` that ends after a whole user-perceived character and takes at
+/// most `bytes` bytes of UTF-8.
+QString cutToBytes(const QString &text, qsizetype bytes)
+{
+    if (text.toUtf8().size() <= bytes)
+        return text;
+    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text);
+    qsizetype used = 0;
+    qsizetype end = 0;
+    for (qsizetype next = finder.toNextBoundary(); next > 0; next = finder.toNextBoundary()) {
+        used += QStringView(text).mid(end, next - end).toUtf8().size();
+        if (used > bytes)
+            break;
+        end = next;
+    }
+    return text.left(end);
+}
+
+} // namespace
+
+QString outputFileName(const OutputDocument &document, int methodIndex)
+{
+    const QString before = QString::number(document.number) + QLatin1Char(' ');
+    QString after = QLatin1Char(' ') + document.baseName;
+    if (methodIndex != static_cast<int>(SplitMethod::GroupEqualTexts))
+        after += QLatin1Char(' ') + document.ranges;
+    after += suffix;
+    const qsizetype room = maxFileNameBytes - before.toUtf8().size() - after.toUtf8().size();
+    return before + cutToBytes(fileNameText(document.text), room) + after;
+}
+
+QString outputPath(const QString &outputFolder, const OutputDocument &document, int methodIndex)
+{
+    return outputFolder + QLatin1Char('/') + document.baseName + QLatin1Char('/') +
+           outputFileName(document, methodIndex);
+}
+
+QString numberedPath(const QString &path, int count)
+{
+    return path.chopped(suffix.size()) + QStringLiteral(" (%1)").arg(count) + suffix;
+}

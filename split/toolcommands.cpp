@@ -1,0 +1,69 @@
+// SPDX-FileCopyrightText: 2026 The Sendrivo authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "split/toolcommands.h"
+
+#include <algorithm>
+
+namespace {
+
+QString quotedTool(const QString &appFolder, QLatin1String tool)
+{
+    return quotedPath(appFolder + QLatin1Char('/') + tool);
+}
+
+QString quotedStavekit(const QString &appFolder)
+{
+    return quotedTool(appFolder, QLatin1String("stavekit"));
+}
+
+} // namespace
+
+QString quotedPath(const QString &path)
+{
+    QString escaped = path;
+    escaped.replace(QLatin1String("\""), QLatin1String("\"\"\""));
+    return QLatin1Char('"') + escaped + QLatin1Char('"');
+}
+
+QString pageInfoFile(const QString &appFolder)
+{
+    return appFolder + QLatin1String("/fileinfo.txt");
+}
+
+QString pageCountCommand(const QString &appFolder, const QString &input)
+{
+    return quotedStavekit(appFolder) + QLatin1Char(' ') + quotedPath(input) +
+           QLatin1String(" -getinfo -outfile ") + quotedPath(pageInfoFile(appFolder));
+}
+
+QString layoutCommand(const QString &appFolder, const QString &temporaryFolder,
+                      const QString &input)
+{
+    return quotedTool(appFolder, QLatin1String("quillrend")) + QLatin1String(" -htmlformat ") +
+           quotedPath(input) + QLatin1Char(' ') +
+           quotedPath(temporaryFolder + QLatin1String("/split.xml"));
+}
+
+QString layoutFile(const QString &temporaryFolder, int page)
+{
+    return temporaryFolder + QString::asprintf("/split_pg_%04d.htm", page);
+}
+
+QString mergeCommand(const QString &appFolder, const QString &input, const QString &ranges,
+                     const QString &output)
+{
+    return quotedStavekit(appFolder) + QLatin1Char(' ') + quotedPath(input) +
+           QLatin1String(" -merge ") + ranges + QLatin1String(" -outfile ") + quotedPath(output);
+}
+
+QString pageCountDigits(const QString &info)
+{
+    const QLatin1String key("NumberOfPages: ");
+    // A file without the key gives position -1, so the scan then starts inside the first line,
+    // where no tool of ours writes digits.
+    const qsizetype begin = std::min(info.indexOf(key) + key.size(), info.size());
+    const auto isNoDigit = [](QChar c) { return c < QLatin1Char('0') || c > QLatin1Char('9'); };
+    const auto end = std::find_if(info.begin() + begin, info.end(), isNoDigit);
+    return info.mid(begin, (end - info.begin()) - begin);
+}
