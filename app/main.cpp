@@ -1,0 +1,50 @@
+// SPDX-FileCopyrightText: 2026 The Sendrivo authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "app/messagehandler.h"
+#include "app/privatetemporaryfolder.h"
+#include "app/quitonsignal.h"
+#include "mainwindow/process.h"
+
+#include <QApplication>
+#include <QDebug>
+#include <QDir>
+#include <QFile>
+
+namespace {
+
+/// Images in .ico and .jpg format need plug-ins, which an installed Sendrivo brings along beside
+/// its application folder.
+void usePlugins()
+{
+    QDir folder(QCoreApplication::applicationDirPath());
+    folder.cdUp();
+    folder.cd(QStringLiteral("Plugins"));
+    QCoreApplication::setLibraryPaths({folder.absolutePath()});
+}
+
+void startLog()
+{
+    QDir().mkpath(dataFolder());
+    QFile::remove(logFile());
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    // Named before there is an application object: the log's folder depends on the name, and the
+    // first messages come while the application object is being made.
+    QCoreApplication::setApplicationName(QStringLiteral("sendrivo"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(SENDRIVO_VERSION));
+    qInstallMessageHandler(customMessageHandler);
+    const PrivateTemporaryFolder temporaryFolder;
+    const QApplication application(argc, argv);
+    const QuitOnSignal quitOnSignal;
+    usePlugins();
+    startLog();
+    qDebug() << "Current path:" << QDir::currentPath() << "\n";
+    Process window;
+    window.show();
+    return QApplication::exec();
+}

@@ -1,0 +1,46 @@
+// SPDX-FileCopyrightText: 2026 The Sendrivo authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "app/messagehandler.h"
+
+#include <QFile>
+#include <QStandardPaths>
+#include <QTextStream>
+
+#include <cstdlib>
+
+QString dataFolder()
+{
+    return QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation);
+}
+
+QString logFile()
+{
+    return dataFolder() + QLatin1String("/splitterlog.txt");
+}
+
+void customMessageHandler(QtMsgType type, const QMessageLogContext &, const QString &message)
+{
+    QString line;
+    switch (type) {
+    case QtDebugMsg:
+        line = QStringLiteral("Debug: %1").arg(message);
+        break;
+    case QtWarningMsg:
+        line = QStringLiteral("Warning: %1").arg(message);
+        break;
+    case QtCriticalMsg:
+        line = QStringLiteral("Critical: %1").arg(message);
+        break;
+    case QtFatalMsg:
+        std::abort();
+    case QtInfoMsg:
+        break;
+    }
+    QFile file(logFile());
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Append))
+        return;
+    QTextStream stream(&file);
+    stream.setEncoding(QStringConverter::System);
+    stream << line << Qt::endl;
+}

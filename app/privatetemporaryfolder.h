@@ -1,0 +1,23 @@
+// SPDX-FileCopyrightText: 2026 The Sendrivo authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include <QTemporaryDir>
+
+/// A temporary folder that only this process and the tools it starts use: page texts of one window
+/// must never be read by another window or another user. While the object lives it is the process's
+/// temporary folder (TMPDIR); with the object it is removed.
+///
+/// When no such folder can be made the temporary folder stays as it was.
+class PrivateTemporaryFolder
+{
+public:
+    PrivateTemporaryFolder();
+    ~PrivateTemporaryFolder();
+    Q_DISABLE_COPY_MOVE(PrivateTemporaryFolder)
+
+private:
+    QByteArray earlierFolder;
+    QTemporaryDir folder; // made with permissions for its owner only
+};

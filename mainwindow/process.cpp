@@ -1,0 +1,184 @@
+// SPDX-FileCopyrightText: 2026 The Sendrivo authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "mainwindow/process.h"
+
+#include "mainwindow/sortonclick.h"
+#include "options/opdialog.h"
+#include "rules/rules.h"
+#include "ui_process.h"
+
+#include <QAction>
+#include <QDebug>
+#include <QGuiApplication>
+#include <QNetworkAccessManager>
+#include <QNetworkReply>
+#include <QPixmap>
+#include <QProcess>
+#include <QScreen>
+#include <QTextBlock>
+#include <QTextCursor>
+#include <QTimer>
+
+Process::Process(QWidget *parent)
+    : QWidget(parent), ui(std::make_unique<Ui_process>()),
+      optionsDialog(std::make_unique<OpDialog>())
+{
+    ui->setupUi(this);
+    centreOnScreen();
+    fileReader = new QNetworkAccessManager(this);
+    ruleEditor = std::make_unique<Rules>();
+    connectControls();
+    ui->outputfolderEdit->setPalette(QPalette(Qt::white));
+    fillRuleList();
+    setabout();
+    previewTimer = new QTimer(this);
+    connect(previewTimer, &QTimer::timeout, this, &Process::dopreview);
+    setUpTable();
+    setUpBackground();
+    setAcceptDrops(true);
+    ui->textEdit_process->setText(QString());
+}
+
+Process::~Process() = default;
+
+void Process::centreOnScreen()
+{
+    setGeometry(0, 0, 840, 490);
+    move(QGuiApplication::screens().constFirst()->geometry().center() - rect().center());
+}
+
+void Process::connectControls()
+{
+    QTableWidget *table = ui->inputfiletableWidget;
+    connect(ui->runButton, &QPushButton::clicked, this, &Process::convertbegin);
+    connect(ui->pushButton_option, &QPushButton::clicked, this, &Process::enteroption);
+    connect(ui->openfileButton, &QPushButton::clicked, this, &Process::setopenfile);
+    connect(table, &QTableWidget::itemDoubleClicked, this, &Process::setopenselected);
+    connect(ui->removeButton, &QPushButton::clicked, this, &Process::setremove);
+    connect(ui->removeallButton, &QPushButton::clicked, this, &Process::setremoveall);
+    connect(table, &QTableWidget::itemClicked, this, &Process::setpreview);
+    connectPreview();
+    connect(ui->outputButton, &QPushButton::clicked, this, &Process::setoutputfile);
+    connect(ui->aboutButton, &QPushButton::clicked, this, &Process::setabout1);
+    connect(ui->pushButton_up, &QPushButton::clicked, this, &Process::setrowup);
+    connect(ui->pushButton_down, &QPushButton::clicked, this, &Process::setrowdown);
+    table->setSelectionBehavior(QAbstractItemView::SelectRows);
+    table->setEditTriggers(QAbstractItemView::NoEditTriggers);
+}
+
+void Process::setUpTable()
+{
+    QTableWidget *table = ui->inputfiletableWidget;
+    table->horizontalHeader()->setStyleSheet(
+        QStringLiteral("QHeaderView::section {background-color:CornflowerBlue;color: black;"
+                       "padding-left: 0px;border: 0px solid #6c6c6c;}"));
+    table->verticalHeader()->setStyleSheet(
+        QStringLiteral("QHeaderView::section {background-color:GhostWhite;color: black;"
+                       "padding-left: 2px;border: 0px solid #6c6c6c;}"));
+    table->setContextMenuPolicy(Qt::ActionsContextMenu);
+    // The misspelt property styles nothing: the table keeps the desktop's look under its two
+    // styled headers, and always has.
+    table->setStyleSheet(QStringLiteral("backgrouond-color:rgb(122,122,122)"));
+
+    const auto addAction = [this, table](const QString &text, void (Process::*slot)()) {
+        auto *action = new QAction(text, table);
+        connect(action, &QAction::triggered, this, slot);
+        table->addAction(action);
+    };
+    addAction(tr("Add File(s)"), &Process::setopenfile);
+    addAction(tr("View PDF File"), &Process::setopenselected);
+    addAction(tr("Delete Selected Item(s)"), &Process::setremove);
+    addAction(tr("Delete All Item(s)"), &Process::setremoveall);
+
+    sorting = new SortOnClick(table);
+    connect(sorting, &SortOnClick::sorted, this, &Process::listChanged);
+}
+
+void Process::setUpBackground()
+{
+    setAutoFillBackground(true);
+    QPalette colours = palette();
+    const QPixmap background(QStringLiteral(":/iconoption/icons/stock-ved.jpg"));
+    colours.setBrush(QPalette::Window,
+                     background.scaled(size(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
+    setPalette(colours);
+}
+
+void Process::setabout()
+{
+    ui->aboutButton->setIcon(QIcon(QStringLiteral(":/iconoption/icons/about.png")));
+    ui->aboutButton->setText(tr("About"));
+    setWindowTitle(tr("Sendrivo"));
+}
+
+void Process::setabout1()
+{
+    aboutBox.exec();
+}
+
+void Process::keyReleaseEvent(QKeyEvent *)
+{
+}
+
+/// While page counts are fetched nothing but About and the choices is usable. While a batch runs,
+/// rows are addressed by number, so they must neither move nor go; adding files is fine.
+void Process::updateControls()
+{
+    const bool rowsMayMove = !fetchingPageCounts && !batchRunning;
+    ui->openfileButton->setEnabled(!fetchingPageCounts);
+    ui->pushButton_option->setEnabled(!fetchingPageCounts);
+    ui->runButton->setEnabled(!fetchingPageCounts);
+    for (QWidget *control :
+         {ui->removeButton, ui->removeallButton, ui->pushButton_up, ui->pushButton_down})
+        control->setEnabled(rowsMayMove);
+    const QList<QAction *> actions = ui->inputfiletableWidget->actions();
+    actions.at(2)->setEnabled(rowsMayMove);
+    actions.at(3)->setEnabled(rowsMayMove);
+    ui->inputfiletableWidget->setContextMenuPolicy(fetchingPageCounts ? Qt::NoContextMenu
+                                                                      : Qt::ActionsContextMenu);
+    sorting->setEnabled(rowsMayMove);
+}
+
+/// QTextEdit::append() would read a path with angle brackets as HTML.
+void Process::appendProgress(const QString &line)
+{
+    QTextCursor end(ui->textEdit_process->document());
+    end.movePosition(QTextCursor::End);
+    if (!ui->textEdit_process->document()->isEmpty())
+        end.insertBlock();
+    end.insertText(line);
+    ui->textEdit_process->setTextCursor(end);
+    ui->textEdit_process->ensureCursorVisible();
+}
+
+QString Process::cellText(int row, int column) const
+{
+    const QTableWidgetItem *item = ui->inputfiletableWidget->item(row, column);
+    return item ? item->text() : QString();
+}
+
+void Process::startTool(const QString &command, void (Process::*next)())
+{
+    auto *tool = new QProcess(this);
+    const auto goOn = [this, tool, next] {
+        const QString complaint = QString::fromLocal8Bit(tool->readAllStandardError()).trimmed();
+        if (!complaint.isEmpty())
+            qWarning().noquote() << complaint;
+        tool->deleteLater();
+        (this->*next)();
+    };
+    connect(tool, &QProcess::finished, this, goOn);
+    // A tool that could not be started never finishes. Queued, so that a missing tool does not
+    // make the steps of a long batch call each other deeper and deeper.
+    connect(
+        tool, &QProcess::errorOccurred, this,
+        [tool, goOn](QProcess::ProcessError error) {
+            if (error != QProcess::FailedToStart)
+                return;
+            qWarning().noquote() << tool->program() + QLatin1String(": ") + tool->errorString();
+            goOn();
+        },
+        Qt::QueuedConnection);
+    tool->startCommand(command, QIODevice::ReadWrite);
+}
