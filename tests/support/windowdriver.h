@@ -1,0 +1,59 @@
+// SPDX-FileCopyrightText: 2026 The Sendrivo authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include "mainwindow/process.h"
+
+#include <QPushButton>
+#include <QStringList>
+#include <QTableWidget>
+
+#include <functional>
+
+/// Uses a main window as a person does, by its widgets.
+class WindowDriver
+{
+public:
+    WindowDriver();
+
+    Process window;
+
+    [[nodiscard]] QTableWidget *table() const;
+    [[nodiscard]] QPushButton *button(const char *name) const;
+    template <typename Widget>
+    [[nodiscard]] Widget *widget(const char *name) const
+    {
+        return window.findChild<Widget *>(QLatin1String(name));
+    }
+
+    /// The text of a cell; "-" where there is no item.
+    [[nodiscard]] QString cell(int row, int column) const;
+    /// A column from top to bottom.
+    [[nodiscard]] QStringList column(int number) const;
+    /// The lines of the progress pane.
+    [[nodiscard]] QStringList progress() const;
+
+    void click(const char *buttonName) const;
+    /// Clicks on a cell; with Control it is added to the selection.
+    void clickCell(int row, int column, Qt::KeyboardModifiers modifiers = {}) const;
+    void clickHeader(int column) const;
+    /// Whether the window would take a drop of these files.
+    [[nodiscard]] bool takesDrag(const QStringList &urls);
+    /// Drops files, folders or addresses onto the window. Paths begin with "/".
+    void drop(const QStringList &paths);
+    /// Drops files and waits until their page counts are there.
+    [[nodiscard]] bool add(const QStringList &paths);
+    /// Waits until no page counts are being fetched.
+    [[nodiscard]] bool waitForPageCounts() const;
+    /// Presses Split and waits for the end of the batch.
+    [[nodiscard]] bool split();
+    void setOutputFolder(const QString &folder) const;
+};
+
+/// Runs `answer` with the next modal dialog as soon as it is there. The dialog is closed afterwards
+/// if `answer` has not done so.
+void whenDialogOpens(const std::function<void(QDialog *)> &answer);
+
+/// Answers the next message box with OK and gives its "title: text" to `shown`.
+void acceptMessageBox(QString *shown);
