@@ -1,0 +1,111 @@
+// SPDX-FileCopyrightText: 2026 The Sendrivo authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "tests/support/privatefolders.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QProcess>
+#include <QSettings>
+#include <QStandardPaths>
+#include <QTest>
+
+#include <csignal>
+#include <unistd.h>
+
+namespace {
+
+QString logPath()
+{
+    return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) +
+           QLatin1String("/sendrivo/splitterlog.txt");
+}
+
+QStringList logLines()
+{
+    QFile file(logPath());
+    return file.open(QIODevice::ReadOnly)
+               ? QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'))
+               : QStringList();
+}
+
+QStringList temporaryFolders()
+{
+    return QDir(QDir::tempPath()).entryList({"sendrivo-*"}, QDir::Dirs);
+}
+
+/// The program, started in a folder and ended by a signal as a logout or Ctrl-C does.
+class Run
+{
+public:
+    explicit Run(const QString &folder)
+    {
+        program.setWorkingDirectory(folder);
+        program.start(SENDRIVO_PROGRAM, QStringList());
+    }
+
+    [[nodiscard]] static bool isUp() { return !logLines().isEmpty(); }
+
+    [[nodiscard]] bool end(int signal)
+    {
+        kill(static_cast<pid_t>(program.processId()), signal);
+        return program.waitForFinished(10000) && program.exitStatus() == QProcess::NormalExit &&
+               program.exitCode() == 0;
+    }
+
+    QProcess program;
+};
+
+} // namespace
+
+/// The program itself: its log, its folders, how it ends.
+class TestStartup : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init() { QFile::remove(logPath()); }
+
+    void eachRunHasItsOwnLog()
+    {
+        for (const QString &name : {QStringLiteral("first"), QStringLiteral("second")}) {
+            QVERIFY(QDir::current().mkpath(name));
+            const QString folder = QDir::current().filePath(name);
+            const QString firstLine = QStringLiteral("Debug: Current path: \"%1\" ").arg(folder);
+            Run run(folder);
+            QTRY_VERIFY(logLines().value(0) == firstLine);
+            QVERIFY(run.end(SIGTERM));
+            QCOMPARE(logLines().filter("Current path:").size(), 1);
+            QCOMPARE(logLines().value(1), QString());
+            QCOMPARE(run.program.readAllStandardError(), QByteArray());
+        }
+    }
+
+    void temporaryFolderIsPrivateAndGoes_data()
+    {
+        QTest::addColumn<int>("signal");
+        QTest::newRow("terminated") << SIGTERM;
+        QTest::newRow("interrupted") << SIGINT;
+        QTest::newRow("session ended") << SIGHUP;
+    }
+    void temporaryFolderIsPrivateAndGoes()
+    {
+        QFETCH(int, signal);
+        Run first(QDir::currentPath());
+        Run second(QDir::currentPath());
+        QTRY_VERIFY(Run::isUp());
+        QTRY_COMPARE(temporaryFolders().size(), 2);
+        for (const QString &name : temporaryFolders()) {
+            const QFileInfo folder(QDir::temp().filePath(name));
+            QCOMPARE(folder.permissions() & (QFile::ReadGroup | QFile::ReadOther), 0);
+        }
+        QVERIFY(first.end(signal));
+        QTRY_COMPARE(temporaryFolders().size(), 1);
+        QVERIFY(second.end(signal));
+        QCOMPARE(temporaryFolders().size(), 0);
+    }
+};
+
+SENDRIVO_TEST_MAIN(TestStartup, QCoreApplication)
+#include "tst_startup.moc"
