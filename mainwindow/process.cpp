@@ -3,6 +3,7 @@
 
 #include "mainwindow/process.h"
 
+#include "mainwindow/progresspane.h"
 #include "mainwindow/sortonclick.h"
 #include "options/opdialog.h"
 #include "rules/rules.h"
@@ -16,8 +17,6 @@
 #include <QPixmap>
 #include <QProcess>
 #include <QScreen>
-#include <QTextBlock>
-#include <QTextCursor>
 #include <QTimer>
 
 Process::Process(QWidget *parent)
@@ -37,7 +36,7 @@ Process::Process(QWidget *parent)
     setUpTable();
     setUpBackground();
     setAcceptDrops(true);
-    ui->textEdit_process->setText(QString());
+    progress = new ProgressPane(ui->textEdit_process);
 }
 
 Process::~Process() = default;
@@ -138,18 +137,6 @@ void Process::updateControls()
     ui->inputfiletableWidget->setContextMenuPolicy(fetchingPageCounts ? Qt::NoContextMenu
                                                                       : Qt::ActionsContextMenu);
     sorting->setEnabled(rowsMayMove);
-}
-
-/// QTextEdit::append() would read a path with angle brackets as HTML.
-void Process::appendProgress(const QString &line)
-{
-    QTextCursor end(ui->textEdit_process->document());
-    end.movePosition(QTextCursor::End);
-    if (!ui->textEdit_process->document()->isEmpty())
-        end.insertBlock();
-    end.insertText(line);
-    ui->textEdit_process->setTextCursor(end);
-    ui->textEdit_process->ensureCursorVisible();
 }
 
 QString Process::cellText(int row, int column) const

@@ -14,6 +14,7 @@
 #include <memory>
 
 class OpDialog;
+class ProgressPane;
 class QNetworkAccessManager;
 class QNetworkReply;
 class QProcess;
@@ -118,7 +119,6 @@ private:
     void setUpBackground();
     void centreOnScreen();
     void updateControls();
-    void appendProgress(const QString &line);
     [[nodiscard]] QString cellText(int row, int column) const;
     /// Starts a tool; when it has ended, or could not be started, `next` is called.
     void startTool(const QString &command, void (Process::*next)());
@@ -146,6 +146,7 @@ private:
     std::unique_ptr<Rules> ruleEditor;
     QTimer *previewTimer = nullptr;
     SortOnClick *sorting = nullptr;
+    ProgressPane *progress = nullptr;
     QNetworkAccessManager *fileReader = nullptr;
 
     // Page counts still to be fetched: paths, their rows as decimal texts, and the next entry.

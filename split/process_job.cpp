@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "mainwindow/process.h"
+#include "mainwindow/progresspane.h"
 #include "rules/rulestore.h"
 #include "rules/settingsfile.h"
 #include "split/splitdecision.h"
@@ -48,14 +49,14 @@ void Process::convertbegin()
         updateControls();
         if (fileIndex == 0) {
             inputOfOutput.clear();
-            appendProgress(tr("Conversion Start:"));
+            progress->append(tr("Conversion Start:"));
         }
-        appendProgress(cellText(fileIndex, 0));
+        progress->append(cellText(fileIndex, 0));
         splitPage();
         return;
     }
     fileIndex = 0;
-    appendProgress(tr("Conversion Finished."));
+    progress->append(tr("Conversion Finished."));
     endBatch();
 }
 
@@ -91,7 +92,7 @@ void Process::getAlltheText()
     pageCount = cellText(fileIndex, 1).toInt();
     if (currentPage <= pageCount) {
         requestLayout(currentPage);
-        appendProgress(tr("Analyzing page ") + QString::number(currentPage));
+        progress->appendSoon(tr("Analyzing page ") + QString::number(currentPage));
         ++currentPage;
         return;
     }

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "mainwindow/process.h"
+#include "mainwindow/progresspane.h"
 #include "split/outputname.h"
 #include "split/toolcommands.h"
 #include "ui_process.h"
@@ -29,7 +30,7 @@ void Process::splitpdffile()
     const QString command =
         mergeCommand(QCoreApplication::applicationDirPath(), cellText(fileIndex, 0),
                      rangeList.at(mergeIndex), outputFile);
-    appendProgress(tr("Generating ") + outputFile);
+    progress->append(tr("Generating ") + outputFile);
     ++mergeIndex;
     startTool(command, &Process::splitpdffile);
 }

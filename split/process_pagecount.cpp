@@ -3,6 +3,7 @@
 
 #include "mainwindow/numberitem.h"
 #include "mainwindow/process.h"
+#include "mainwindow/progresspane.h"
 #include "split/toolcommands.h"
 #include "ui_process.h"
 
@@ -19,7 +20,7 @@ void Process::getpdfpage()
         startTool(command, &Process::setpdfpage);
         return;
     }
-    appendProgress(tr("Finished."));
+    progress->append(tr("Finished."));
     fetchingPageCounts = false;
     updateControls();
 }
@@ -44,7 +45,7 @@ void Process::setpdfpage()
     const int row = pendingRows.value(loadIndex, QStringLiteral("-1")).toInt();
     if (row >= 0 && row < ui->inputfiletableWidget->rowCount())
         ui->inputfiletableWidget->setItem(row, 1, new NumberItem(digits, digits.toInt()));
-    appendProgress(tr("Loading ") + pendingFiles.value(loadIndex));
+    progress->append(tr("Loading ") + pendingFiles.value(loadIndex));
     ++loadIndex;
     getpdfpage();
 }
