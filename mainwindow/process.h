@@ -94,13 +94,13 @@ public slots:
     /// Takes the page layout that has been read.
     void gethtm();
     /// Records the text at the rule's position of the page with the layout `sxml`.
-    void getTextPosition(QString sxml);
+    void getTextPosition(const QString &sxml);
     /// The fragment that a layout line describes; see parseFragment().
-    Subtext getSubtextInfo(QString sRow);
+    Subtext getSubtextInfo(const QString &sRow);
     /// The value of the style key `sPos` of a layout line; see styleValue().
-    int getpos(QString sPos, QString sRow);
+    int getpos(const QString &sPos, const QString &sRow);
     /// The text of a layout line; see fragmentText().
-    QString gettext(QString sRow);
+    QString gettext(const QString &sRow);
     /// Starts writing the current file's next document; after the last one goes on to the next
     /// file.
     void splitpdffile();

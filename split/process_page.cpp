@@ -29,24 +29,24 @@ void Process::gethtm()
     getTextPosition(layout);
 }
 
-void Process::getTextPosition(QString sxml)
+void Process::getTextPosition(const QString &sxml)
 {
     layoutLines = layoutFileLines(sxml);
     pageTexts.append(textAtPosition(layoutLines, ruleXpos, ruleYpos));
     getAlltheText();
 }
 
-Subtext Process::getSubtextInfo(QString sRow)
+Subtext Process::getSubtextInfo(const QString &sRow)
 {
     return parseFragment(sRow);
 }
 
-int Process::getpos(QString sPos, QString sRow)
+int Process::getpos(const QString &sPos, const QString &sRow)
 {
     return styleValue(sPos, sRow);
 }
 
-QString Process::gettext(QString sRow)
+QString Process::gettext(const QString &sRow)
 {
     return fragmentText(sRow);
 }
