@@ -1,0 +1,31 @@
+// SPDX-FileCopyrightText: 2026 The Sendrivo authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+namespace pdf {
+
+/// Largest amount of memory a tool's process may ask for, in bytes (files are mapped and do not
+/// count).
+constexpr long long memoryLimitBytes = 1LL << 30;
+
+/// Longest time one page may take before it is given up.
+constexpr int pageTimeLimitSeconds = 20;
+
+/// Longest processor time that reading or assembling one document may take.
+constexpr int documentTimeLimitSeconds = 60;
+
+/// Makes further allocations beyond memoryLimitBytes fail, in this process and its children, and
+/// keeps a crash from leaving a core file in the user's folder. Writing beyond a file size limit
+/// becomes an ordinary error.
+void limitResources();
+
+/// What to do when a file cannot be read to its end in time or gets shorter while it is read. Only
+/// async-signal-safe functions may be called inside, and it must not return.
+using EmergencyExit = void (*)(const char *cause);
+
+/// Calls the function after documentTimeLimitSeconds of processor time, or as soon as the mapped
+/// input turns out to have become shorter than it was.
+void installEmergencyExit(EmergencyExit function);
+
+} // namespace pdf
