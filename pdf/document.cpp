@@ -1,0 +1,58 @@
+// SPDX-FileCopyrightText: 2026 The Sendrivo authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "pdf/document.h"
+
+#include "pdf/error.h"
+
+#include <new>
+
+namespace pdf {
+
+namespace {
+
+Error openError(const MappedFile &input, const QPDFExc &cause)
+{
+    const std::string path = input.path() + ": ";
+    if (cause.getErrorCode() == qpdf_e_password)
+        return {ExitCode::Forbidden, path + "needs a password"};
+    if (cause.getErrorCode() == qpdf_e_unsupported)
+        return {ExitCode::Forbidden,
+                path + "is encrypted in a way that needs more than a password"};
+    if (input.bytes().find("%PDF-") == std::string_view::npos)
+        return {ExitCode::InputUnreadable, path + "is not a PDF file"};
+    return {ExitCode::InputUnreadable, path + "is damaged beyond repair"};
+}
+
+} // namespace
+
+Document::Document(const std::string &path) : input(path), pdf(QPDF::create())
+{
+    try {
+        open();
+    } catch (const QPDFExc &cause) {
+        throw openError(input, cause);
+    } catch (const Error &) {
+        throw;
+    } catch (const std::bad_alloc &) {
+        throw Error(ExitCode::InputUnreadable, path + ": needs too much memory");
+    } catch (const std::exception &) {
+        throw Error(ExitCode::InputUnreadable, path + ": is damaged beyond repair");
+    }
+}
+
+void Document::open()
+{
+    pdf->setSuppressWarnings(true);
+    const std::string_view bytes = input.bytes();
+    pdf->processMemoryFile(input.path().c_str(), bytes.data(), bytes.size(), "");
+    pageList = readPageList(*pdf, bytes);
+    hadWarnings = pdf->anyWarnings();
+}
+
+bool Document::mayAssemble()
+{
+    return !pdf->isEncrypted() || pdf->ownerPasswordMatched() || pdf->allowModifyAssembly();
+}
+
+} // namespace pdf

@@ -1,0 +1,239 @@
+// SPDX-FileCopyrightText: 2026 The Sendrivo authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "pdf/objectpeek.h"
+
+#include <climits>
+
+namespace pdf {
+
+namespace {
+
+bool isBlank(char c)
+{
+    return c == ' ' || c == '\n' || c == '\r' || c == '\t' || c == '\f' || c == '\0';
+}
+
+bool isDelimiter(char c)
+{
+    return c == '(' || c == ')' || c == '<' || c == '>' || c == '[' || c == ']' || c == '{' ||
+           c == '}' || c == '/' || c == '%';
+}
+
+bool isRegular(char c)
+{
+    return !isBlank(c) && !isDelimiter(c);
+}
+
+/// A reader of PDF syntax (ISO 32000-1, 7.2 and 7.3) that skips values. Every function gives false
+/// as soon as something is not as expected; the position is then of no use.
+class Scanner
+{
+public:
+    explicit Scanner(std::string_view text) : in(text) {}
+
+    void skipBlanks()
+    {
+        while (pos < in.size()) {
+            if (in[pos] == '%') {
+                while (pos < in.size() && in[pos] != '\n' && in[pos] != '\r')
+                    ++pos;
+            } else if (isBlank(in[pos])) {
+                ++pos;
+            } else {
+                return;
+            }
+        }
+    }
+
+    bool accept(std::string_view token)
+    {
+        if (in.substr(pos, token.size()) != token)
+            return false;
+        pos += token.size();
+        return true;
+    }
+
+    bool keyword(std::string_view word)
+    {
+        skipBlanks();
+        return accept(word) && (pos >= in.size() || !isRegular(in[pos]));
+    }
+
+    bool name(std::string_view &result)
+    {
+        if (pos >= in.size() || in[pos] != '/')
+            return false;
+        const std::size_t start = ++pos;
+        while (pos < in.size() && isRegular(in[pos]))
+            ++pos;
+        result = in.substr(start, pos - start);
+        // "/P#61ges" is a spelling of "/Pages": left to qpdf.
+        return result.find('#') == std::string_view::npos;
+    }
+
+    bool number(int &result)
+    {
+        skipBlanks();
+        const std::size_t start = pos;
+        long value = 0;
+        while (pos < in.size() && in[pos] >= '0' && in[pos] <= '9' && value <= INT_MAX)
+            value = value * 10 + (in[pos++] - '0');
+        result = static_cast<int>(value);
+        return pos > start && value <= INT_MAX && pos < in.size() && !isRegular(in[pos]);
+    }
+
+    bool reference(QPDFObjGen &result)
+    {
+        int objectNumber = 0;
+        int generation = 0;
+        if (!number(objectNumber) || !number(generation) || !keyword("R"))
+            return false;
+        result = QPDFObjGen(objectNumber, generation);
+        return true;
+    }
+
+    bool referenceArray(std::vector<QPDFObjGen> &result)
+    {
+        if (!accept("["))
+            return false;
+        for (skipBlanks(); !accept("]"); skipBlanks()) {
+            QPDFObjGen entry;
+            if (!reference(entry))
+                return false;
+            result.push_back(entry);
+        }
+        return true;
+    }
+
+    /// One value of any kind, or the three tokens of a reference.
+    bool skipValue()
+    {
+        int depth = 0;
+        do {
+            skipBlanks();
+            if (pos >= in.size())
+                return false;
+            if (accept("<<") || accept("[")) {
+                ++depth;
+            } else if (accept(">>") || accept("]")) {
+                if (--depth < 0)
+                    return false;
+            } else if (!skipSimple()) {
+                return false;
+            }
+        } while (depth > 0);
+        return true;
+    }
+
+private:
+    bool skipSimple()
+    {
+        const char c = in[pos];
+        if (c == '(')
+            return skipString();
+        if (c == '<') {
+            pos = in.find('>', pos);
+            return pos != std::string_view::npos && ++pos <= in.size();
+        }
+        if (c == '/') {
+            ++pos;
+            while (pos < in.size() && isRegular(in[pos]))
+                ++pos;
+            return true;
+        }
+        if (!isRegular(c))
+            return false;
+        skipNumberOrReference();
+        return true;
+    }
+
+    void skipNumberOrReference()
+    {
+        const std::size_t start = pos;
+        QPDFObjGen unused;
+        if (reference(unused))
+            return;
+        pos = start;
+        while (pos < in.size() && isRegular(in[pos]))
+            ++pos;
+    }
+
+    bool skipString()
+    {
+        int depth = 0;
+        for (; pos < in.size(); ++pos) {
+            if (in[pos] == '\\')
+                ++pos;
+            else if (in[pos] == '(')
+                ++depth;
+            else if (in[pos] == ')' && --depth == 0) {
+                ++pos;
+                return true;
+            }
+        }
+        return false;
+    }
+
+    std::string_view in;
+    std::size_t pos = 0;
+};
+
+std::optional<PeekedNode> peekDictionary(Scanner &scanner)
+{
+    PeekedNode result;
+    std::string_view type;
+    bool hasKids = false;
+    scanner.skipBlanks();
+    if (!scanner.accept("<<"))
+        return std::nullopt;
+    for (scanner.skipBlanks(); !scanner.accept(">>"); scanner.skipBlanks()) {
+        std::string_view key;
+        if (!scanner.name(key))
+            return std::nullopt;
+        scanner.skipBlanks();
+        bool understood = false;
+        if (key == "Type") {
+            understood = type.empty() && scanner.name(type);
+        } else if (key == "Kids") {
+            understood = !hasKids && scanner.referenceArray(result.kids);
+            hasKids = true;
+        } else {
+            understood = scanner.skipValue();
+        }
+        if (!understood)
+            return std::nullopt;
+    }
+    result.isPage = type == "Page";
+    const bool isNode = type == "Pages" && hasKids;
+    if (isNode || (result.isPage && !hasKids))
+        return result;
+    return std::nullopt;
+}
+
+} // namespace
+
+std::optional<PeekedNode> peekIndirectObject(std::string_view file, std::size_t offset,
+                                             QPDFObjGen object)
+{
+    if (offset >= file.size())
+        return std::nullopt;
+    Scanner scanner(file.substr(offset));
+    int number = 0;
+    int generation = 0;
+    if (!scanner.number(number) || !scanner.number(generation) || !scanner.keyword("obj") ||
+        QPDFObjGen(number, generation) != object)
+        return std::nullopt;
+    const std::optional<PeekedNode> node = peekDictionary(scanner);
+    if (!node || !scanner.keyword("endobj"))
+        return std::nullopt;
+    return node;
+}
+
+std::optional<PeekedNode> peekDictionary(std::string_view text)
+{
+    Scanner scanner(text);
+    return peekDictionary(scanner);
+}
+
+} // namespace pdf
