@@ -1,0 +1,46 @@
+// SPDX-FileCopyrightText: 2026 The Sendrivo authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include "pdf/objectcopier.h"
+
+#include <vector>
+
+namespace pdf {
+
+/// Copies the form fields (ISO 32000-1, 12.7) whose widgets are on the copied pages, with the
+/// fields above them in the hierarchy; of a field's widgets only those on the copied pages.
+/// Signatures lose their value, which is void in a part of the document, and keep what is seen.
+class FormFieldCopier
+{
+public:
+    explicit FormFieldCopier(ObjectCopier &objectCopier);
+
+    /// Ties the copied widget to copies of the fields above it. widget is the copied dictionary
+    /// still to be put at the place of reference.
+    void attach(QPDFObjectHandle original, QPDFObjectHandle widget,
+                const QPDFObjectHandle &reference);
+    /// Makes the copied widget a picture of its field, for a page that is written a second time:
+    /// two fields of one name would be one field.
+    static void detach(QPDFObjectHandle widget);
+    /// The value of the catalog's /AcroForm, null when no field was copied. To be called when all
+    /// widgets are attached.
+    [[nodiscard]] QPDFObjectHandle formDictionary();
+
+private:
+    struct Ancestor
+    {
+        QPDFObjectHandle reference;
+        bool isNew = false;
+    };
+
+    Ancestor ancestor(QPDFObjectHandle original);
+    QPDFObjectHandle calculationOrder();
+
+    ObjectCopier &copier;
+    QPDFObjectHandle sourceForm;
+    QPDFObjectHandle rootFields;
+};
+
+} // namespace pdf
