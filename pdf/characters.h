@@ -1,0 +1,22 @@
+// SPDX-FileCopyrightText: 2026 The Sendrivo authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace pdf {
+
+/// Whether the character is a blank of any kind or width, also a tab or a line separator.
+[[nodiscard]] bool isBlank(char32_t character);
+
+/// Whether the character leaves no trace on the page and means nothing in a name: zero-width
+/// blanks, byte order marks, marks of the writing direction.
+[[nodiscard]] bool isDropped(char32_t character);
+
+/// The characters as UTF-8 text in NFC: ligatures as letters, soft hyphens (drawn by producers
+/// where a hyphen is seen) as hyphens, control characters and what is no character as U+FFFD.
+[[nodiscard]] std::string readableText(const std::vector<char32_t> &characters);
+
+} // namespace pdf

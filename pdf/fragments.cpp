@@ -1,0 +1,194 @@
+// SPDX-FileCopyrightText: 2026 The Sendrivo authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "pdf/fragments.h"
+
+#include "pdf/characters.h"
+
+#include <algorithm>
+#include <cmath>
+#include <tuple>
+#include <utility>
+
+namespace pdf {
+
+namespace {
+
+constexpr double ascentEm = 0.8;
+/// Runs this far apart, in font sizes, still stand on one line: the words of a recognised scan do
+/// not agree better, and the closest raised letters are twice as far up.
+constexpr double sameLineSizes = 0.15;
+/// Glyphs of one letter this near to each other, in em, are one letter drawn twice. The narrowest
+/// letters of narrow fonts advance by 0.18 em.
+constexpr double sameGlyphEm = 0.12;
+
+auto directionKey(const Baseline &line)
+{
+    // In steps of about two degrees, so that noise does not part a line.
+    const auto angle =
+        static_cast<int>(std::lround(std::atan2(line.directionY, line.directionX) * 28));
+    constexpr int halfTurn = 88;
+    return std::make_tuple(line.isVertical, line.isMirrored, angle == -halfTurn ? halfTurn : angle);
+}
+
+bool isOnSameLine(const Baseline &a, const Baseline &b)
+{
+    const double smaller = std::min(a.size, b.size);
+    return directionKey(a) == directionKey(b) &&
+           std::abs(a.across - b.across) <= sameLineSizes * smaller;
+}
+
+/// Removes from later the glyphs that earlier shows in the same place.
+void removeRepeated(const GlyphRun &earlier, GlyphRun &later)
+{
+    const double near = sameGlyphEm * later.line.em;
+    const auto isRepeated = [&](const PlacedGlyph &glyph) {
+        const auto first = std::lower_bound(
+            earlier.glyphs.begin(), earlier.glyphs.end(), glyph.start - near,
+            [](const PlacedGlyph &other, double start) { return other.start < start; });
+        for (auto other = first;
+             other != earlier.glyphs.end() && other->start <= glyph.start + near; ++other) {
+            if (other->character == glyph.character)
+                return true;
+        }
+        return false;
+    };
+    auto &glyphs = later.glyphs;
+    glyphs.erase(std::remove_if(glyphs.begin(), glyphs.end(), isRepeated), glyphs.end());
+}
+
+/// Joins the runs of one line, sorted by their starts, into the runs of its fragments.
+class LineJoiner
+{
+public:
+    void add(GlyphRun &&run)
+    {
+        // What a run repeats starts near it; looking at all of a line's runs would take its square.
+        int remaining = 16;
+        for (auto earlier = joined.rbegin(); earlier != joined.rend() && remaining-- > 0;
+             ++earlier) {
+            if (earlier->end() <= run.start())
+                continue;
+            removeRepeated(*earlier, run);
+            if (run.glyphs.empty())
+                return;
+        }
+        if (!joined.empty() && continues(joined.back(), run)) {
+            GlyphRun &last = joined.back();
+            for (const PlacedGlyph &glyph : run.glyphs)
+                last.append(glyph);
+        } else {
+            joined.push_back(std::move(run));
+        }
+    }
+
+    std::vector<GlyphRun> joined;
+
+private:
+    static bool continues(const GlyphRun &run, const GlyphRun &next)
+    {
+        constexpr double farthestBackEm = 0.2;
+        constexpr double largestSizeRatio = 2;
+        const double larger = std::max(run.line.size, next.line.size);
+        const double smaller = std::min(run.line.size, next.line.size);
+        const double gap = next.start() - run.end();
+        return larger <= largestSizeRatio * smaller && gap >= -farthestBackEm * run.line.em &&
+               gap <= std::max(run.widestGap(), next.widestGap());
+    }
+};
+
+std::string textOf(const GlyphRun &run)
+{
+    const double blank = run.blankGap();
+    std::vector<char32_t> characters;
+    characters.reserve(run.glyphs.size() * 2);
+    for (std::size_t i = 0; i < run.glyphs.size(); ++i) {
+        const PlacedGlyph &glyph = run.glyphs[i];
+        const bool hasGap =
+            i > 0 && !glyph.isContinuation && glyph.start - run.glyphs[i - 1].end > blank;
+        if (i > 0 && (glyph.hasBlankBefore || hasGap))
+            characters.push_back(' ');
+        characters.push_back(glyph.character);
+    }
+    return readableText(characters);
+}
+
+/// The two distances from the line, at right angles to it, between which the box lies.
+std::pair<double, double> extentAcross(const Baseline &line)
+{
+    // Vertical writing: MuPDF gives the pen at the glyph's own origin, left of its middle.
+    if (line.isVertical)
+        return {line.across - line.size, line.across};
+    const double above = line.isMirrored ? ascentEm : -ascentEm;
+    const double below = line.isMirrored ? ascentEm - 1 : 1 - ascentEm;
+    return std::minmax(line.across + above * line.size, line.across + below * line.size);
+}
+
+Fragment fragmentOf(const GlyphRun &run)
+{
+    const Baseline &line = run.line;
+    const auto [first, last] = extentAcross(line);
+    double begin = run.start();
+    double end = run.end();
+    for (const PlacedGlyph &glyph : run.glyphs)
+        end = std::max(end, glyph.end);
+    if (line.isVertical) {
+        begin -= ascentEm * line.em;
+        end -= ascentEm * line.em;
+    }
+    double left = HUGE_VAL;
+    double top = HUGE_VAL;
+    double right = -HUGE_VAL;
+    double bottom = -HUGE_VAL;
+    for (const double along : {begin, end}) {
+        for (const double across : {first, last}) {
+            const double x = along * line.directionX - across * line.directionY;
+            const double y = along * line.directionY + across * line.directionX;
+            left = std::min(left, x);
+            right = std::max(right, x);
+            top = std::min(top, y);
+            bottom = std::max(bottom, y);
+        }
+    }
+    return {layoutCoordinate(left), layoutCoordinate(top), layoutCoordinate(right - left),
+            layoutCoordinate(bottom - top), textOf(run)};
+}
+
+} // namespace
+
+int layoutCoordinate(double pixels)
+{
+    constexpr double boundary = 0.44;
+    constexpr double largest = 1e6;
+    const double whole = std::floor(std::clamp(pixels, 0.0, largest) + 1 - boundary);
+    return std::max(1, static_cast<int>(whole));
+}
+
+std::vector<Fragment> makeFragments(std::vector<GlyphRun> runs)
+{
+    std::sort(runs.begin(), runs.end(), [](const GlyphRun &a, const GlyphRun &b) {
+        return std::make_tuple(directionKey(a.line), a.line.across, a.order) <
+               std::make_tuple(directionKey(b.line), b.line.across, b.order);
+    });
+    std::vector<Fragment> fragments;
+    for (auto begin = runs.begin(); begin != runs.end();) {
+        auto end = std::find_if_not(begin, runs.end(), [&](const GlyphRun &run) {
+            return isOnSameLine(begin->line, run.line);
+        });
+        std::sort(begin, end, [](const GlyphRun &a, const GlyphRun &b) {
+            return std::make_pair(a.start(), a.order) < std::make_pair(b.start(), b.order);
+        });
+        LineJoiner line;
+        for (auto run = begin; run != end; ++run)
+            line.add(std::move(*run));
+        for (const GlyphRun &run : line.joined)
+            fragments.push_back(fragmentOf(run));
+        begin = end;
+    }
+    std::stable_sort(fragments.begin(), fragments.end(), [](const Fragment &a, const Fragment &b) {
+        return std::make_pair(a.top, a.left) < std::make_pair(b.top, b.left);
+    });
+    return fragments;
+}
+
+} // namespace pdf

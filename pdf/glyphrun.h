@@ -1,0 +1,58 @@
+// SPDX-FileCopyrightText: 2026 The Sendrivo authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include <vector>
+
+namespace pdf {
+
+/// One visible glyph on its line. Positions are distances along the writing direction, in pixels.
+struct PlacedGlyph
+{
+    double start = 0;            ///< pen position before the glyph
+    double end = 0;              ///< pen position after it, without letter spacing
+    char32_t character = 0;      ///< first or only character
+    bool hasBlankBefore = false; ///< a blank was shown between the glyph before and this one
+    bool isContinuation = false; ///< a further character of the glyph before (a ligature's)
+};
+
+/// The line that a glyph stands on.
+struct Baseline
+{
+    double directionX = 1; ///< unit vector of the writing direction
+    double directionY = 0;
+    double across = 0; ///< distance of the line from the origin, at right angles to the direction,
+                       ///< growing clockwise from it (downwards for upright text)
+    double size = 0;   ///< font size at right angles to the direction, in pixels
+    double em = 0;     ///< font size along the direction (differs in stretched text)
+    bool isVertical = false; ///< vertical writing: glyphs stand side by side across the direction
+    bool isMirrored = false; ///< letters' tops point clockwise from the direction's right
+};
+
+/// Glyphs on one baseline, in the order of their positions once a line is complete.
+class GlyphRun
+{
+public:
+    Baseline line;
+    std::vector<PlacedGlyph> glyphs;
+    int order = 0; ///< number of the run in the order of drawing
+
+    [[nodiscard]] double start() const { return glyphs.front().start; }
+    [[nodiscard]] double end() const { return glyphs.back().end; }
+
+    void append(const PlacedGlyph &glyph);
+    /// Spacing that the run has between all its letters, in pixels, 0 in ordinary text: the
+    /// smallest distance between neighbours, once there are enough of them to tell.
+    [[nodiscard]] double letterSpacing() const;
+    /// Widest distance between neighbours within one fragment, in pixels.
+    [[nodiscard]] double widestGap() const;
+    /// Smallest distance between neighbours that reads as a blank, in pixels.
+    [[nodiscard]] double blankGap() const;
+
+private:
+    double smallestGap = 0;
+    int gaps = 0;
+};
+
+} // namespace pdf

@@ -1,0 +1,321 @@
+// SPDX-FileCopyrightText: 2026 The Sendrivo authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "pdf/pagereader.h"
+
+#include "pdf/error.h"
+#include "pdf/fragments.h"
+#include "pdf/glyphcollector.h"
+#include "pdf/textdevice.h"
+
+#include <cstring>
+#include <mupdf/fitz.h>
+#include <mupdf/pdf.h>
+
+// MuPDF reports errors by longjmp. Between fz_try and fz_catch therefore stand only C functions and
+// plain values; objects with destructors live outside, and C++ exceptions start after fz_catch.
+
+namespace pdf {
+
+namespace {
+
+/// Fonts and images kept for the next page.
+constexpr std::size_t storeBytes = std::size_t{32} << 20;
+/// Largest page image, 200 MB in memory: a side of 2 m at 96 dpi.
+constexpr double largestImagePixels = 64e6;
+constexpr float layoutScale = static_cast<float>(layoutDpi / 72);
+
+void ignoreMessage(void * /*user*/, const char * /*message*/)
+{
+}
+
+/// The cause of the last failed fz_try, in one line.
+[[noreturn]] void fail(fz_context *context)
+{
+    const char *cause = fz_caught_message(context);
+    throw Error(ExitCode::InputUnreadable,
+                *cause != '\0' ? std::string("damaged: ") + cause : "damaged");
+}
+
+struct ContextDeleter
+{
+    void operator()(fz_context *context) const { fz_drop_context(context); }
+};
+
+/// A loaded page together with the page map that MuPDF keeps while it is in use.
+class LoadedPage
+{
+public:
+    LoadedPage(fz_context *usedContext, pdf_document *usedDocument)
+        : context(usedContext), document(usedDocument)
+    {
+    }
+    ~LoadedPage()
+    {
+        if (page != nullptr)
+            fz_drop_page(context, &page->super);
+        if (hasTree)
+            pdf_drop_page_tree(context, document);
+    }
+    LoadedPage(const LoadedPage &) = delete;
+    LoadedPage &operator=(const LoadedPage &) = delete;
+
+    fz_context *context;
+    pdf_document *document;
+    pdf_page *page = nullptr;
+    fz_rect bounds = {};
+    bool hasTree = false;
+};
+
+/// Makes the page object the only page of the document in memory. MuPDF loads pages by their place
+/// in the page tree, and walks the tree from the start each time.
+void makeOnlyPage(fz_context *context, pdf_document *document, int number, int parent)
+{
+    pdf_obj *page = nullptr;
+    pdf_obj *kids = nullptr;
+    fz_var(page);
+    fz_var(kids);
+    fz_try(context)
+    {
+        page = pdf_new_indirect(context, document, number, 0);
+        if (!pdf_is_dict(context, page))
+            fz_throw(context, FZ_ERROR_GENERIC, "page object is not readable");
+        if (!pdf_name_eq(context, pdf_dict_get(context, page, PDF_NAME(Type)), PDF_NAME(Page)))
+            pdf_dict_put(context, page, PDF_NAME(Type), PDF_NAME(Page));
+        if (parent != 0 &&
+            pdf_to_num(context, pdf_dict_get(context, page, PDF_NAME(Parent))) != parent)
+            pdf_dict_put_drop(context, page, PDF_NAME(Parent),
+                              pdf_new_indirect(context, document, parent, 0));
+        kids = pdf_new_array(context, document, 1);
+        pdf_array_push(context, kids, page);
+        pdf_obj *root = pdf_dict_get(context, pdf_trailer(context, document), PDF_NAME(Root));
+        pdf_obj *tree = pdf_dict_put_dict(context, root, PDF_NAME(Pages), 3);
+        pdf_dict_put(context, tree, PDF_NAME(Type), PDF_NAME(Pages));
+        pdf_dict_put_int(context, tree, PDF_NAME(Count), 1);
+        pdf_dict_put(context, tree, PDF_NAME(Kids), kids);
+    }
+    fz_always(context)
+    {
+        pdf_drop_obj(context, kids);
+        pdf_drop_obj(context, page);
+    }
+    fz_catch(context)
+    {
+        fz_rethrow(context);
+    }
+}
+
+void load(LoadedPage *loaded, const PageEntry *entry)
+{
+    makeOnlyPage(loaded->context, loaded->document, entry->page.getObj(), entry->parent.getObj());
+    pdf_load_page_tree(loaded->context, loaded->document);
+    loaded->hasTree = true;
+    loaded->page = pdf_load_page(loaded->context, loaded->document, 0);
+    loaded->bounds = pdf_bound_page(loaded->context, loaded->page);
+}
+
+void run(LoadedPage *loaded, fz_device *device)
+{
+    fz_cookie cookie = {};
+    pdf_run_page(loaded->context, loaded->page, device, fz_scale(layoutScale, layoutScale),
+                 &cookie);
+    fz_close_device(loaded->context, device);
+}
+
+void runText(LoadedPage *loaded, GlyphCollector *collector)
+{
+    fz_context *context = loaded->context;
+    fz_device *device = newTextDevice(context, collector);
+    fz_try(context)
+    {
+        run(loaded, device);
+    }
+    fz_always(context)
+    {
+        fz_drop_device(context, device);
+    }
+    fz_catch(context)
+    {
+        fz_rethrow(context);
+    }
+}
+
+/// The page as a PNG file. The caller drops the buffer.
+fz_buffer *draw(LoadedPage *loaded)
+{
+    fz_context *context = loaded->context;
+    fz_pixmap *pixmap = nullptr;
+    fz_device *device = nullptr;
+    fz_buffer *png = nullptr;
+    fz_var(pixmap);
+    fz_var(device);
+    fz_var(png);
+    fz_try(context)
+    {
+        const fz_irect box =
+            fz_round_rect(fz_transform_rect(loaded->bounds, fz_scale(layoutScale, layoutScale)));
+        if (static_cast<double>(box.x1 - box.x0) * (box.y1 - box.y0) > largestImagePixels)
+            fz_throw(context, FZ_ERROR_GENERIC, "page is too large to be drawn");
+        pixmap = fz_new_pixmap_with_bbox(context, fz_device_rgb(context), box, nullptr, 0);
+        fz_set_pixmap_resolution(context, pixmap, static_cast<int>(layoutDpi),
+                                 static_cast<int>(layoutDpi));
+        fz_clear_pixmap_with_value(context, pixmap, 0xFF);
+        device = fz_new_draw_device(context, fz_identity, pixmap);
+        run(loaded, device);
+        png = fz_new_buffer_from_pixmap_as_png(context, pixmap, fz_default_color_params);
+    }
+    fz_always(context)
+    {
+        fz_drop_device(context, device);
+        fz_drop_pixmap(context, pixmap);
+    }
+    fz_catch(context)
+    {
+        fz_rethrow(context);
+    }
+    return png;
+}
+
+pdf_document *openDocument(fz_context *context, std::string_view bytes)
+{
+    fz_stream *stream = nullptr;
+    pdf_document *document = nullptr;
+    fz_var(stream);
+    fz_var(document);
+    fz_try(context)
+    {
+        stream = fz_open_memory(context, reinterpret_cast<const unsigned char *>(bytes.data()),
+                                bytes.size());
+        document = pdf_open_document_with_stream(context, stream);
+        if (pdf_needs_password(context, document) != 0)
+            fz_throw(context, FZ_ERROR_GENERIC, "needs a password");
+    }
+    fz_always(context)
+    {
+        fz_drop_stream(context, stream);
+    }
+    fz_catch(context)
+    {
+        pdf_drop_document(context, document);
+        fz_rethrow(context);
+    }
+    return document;
+}
+
+/// Number of the page object at the index of a page tree that is one node.
+int flatPageNumber(fz_context *context, pdf_document *document, int index)
+{
+    pdf_obj *root = pdf_dict_get(context, pdf_trailer(context, document), PDF_NAME(Root));
+    pdf_obj *tree = pdf_dict_get(context, root, PDF_NAME(Pages));
+    pdf_obj *kids = pdf_dict_get(context, tree, PDF_NAME(Kids));
+    return pdf_to_num(context, pdf_array_get(context, kids, index));
+}
+
+} // namespace
+
+struct PageReader::Engine
+{
+    explicit Engine(const ReadablePages &readablePages) : pages(readablePages) {}
+    ~Engine()
+    {
+        if (document != nullptr)
+            pdf_drop_document(context.get(), document);
+    }
+    Engine(const Engine &) = delete;
+    Engine &operator=(const Engine &) = delete;
+
+    /// Throws MuPDF exceptions only.
+    void open()
+    {
+        document = openDocument(context.get(), pages.bytes());
+        int index = 0;
+        for (int &number : copiedPages)
+            number = flatPageNumber(context.get(), document, index++);
+    }
+
+    [[nodiscard]] PageEntry entry(int index) const
+    {
+        if (copiedPages.empty())
+            return pages.entry(index);
+        return {QPDFObjGen(copiedPages[static_cast<std::size_t>(index)], 0), QPDFObjGen()};
+    }
+
+    const ReadablePages &pages;
+    std::unique_ptr<fz_context, ContextDeleter> context;
+    pdf_document *document = nullptr;
+    std::vector<int> copiedPages; ///< page objects of a copy, which has numbers of its own
+};
+
+PageReader::PageReader(const ReadablePages &pages) : engine(std::make_unique<Engine>(pages))
+{
+    engine->context.reset(fz_new_context(nullptr, nullptr, storeBytes));
+    fz_context *context = engine->context.get();
+    if (context == nullptr)
+        throw Error(ExitCode::InputUnreadable, "not enough memory");
+    fz_set_warning_callback(context, ignoreMessage, nullptr);
+    fz_set_error_callback(context, ignoreMessage, nullptr);
+    if (pages.isCopy())
+        engine->copiedPages.resize(static_cast<std::size_t>(pages.count()));
+    fz_try(context)
+    {
+        engine->open();
+    }
+    fz_catch(context)
+    {
+        fail(context);
+    }
+}
+
+PageReader::~PageReader() = default;
+
+std::vector<Fragment> PageReader::fragments(int index)
+{
+    fz_context *context = engine->context.get();
+    const PageEntry entry = engine->entry(index);
+    LoadedPage loaded(context, engine->document);
+    fz_try(context)
+    {
+        load(&loaded, &entry);
+    }
+    fz_catch(context)
+    {
+        fail(context);
+    }
+    const double scale = static_cast<double>(layoutScale);
+    GlyphCollector collector(static_cast<double>(loaded.bounds.x1 - loaded.bounds.x0) * scale,
+                             static_cast<double>(loaded.bounds.y1 - loaded.bounds.y0) * scale);
+    fz_try(context)
+    {
+        runText(&loaded, &collector);
+    }
+    fz_catch(context)
+    {
+        fail(context);
+    }
+    return makeFragments(collector.takeRuns());
+}
+
+std::string PageReader::image(int index)
+{
+    fz_context *context = engine->context.get();
+    const PageEntry entry = engine->entry(index);
+    LoadedPage loaded(context, engine->document);
+    fz_buffer *png = nullptr;
+    fz_var(png);
+    fz_try(context)
+    {
+        load(&loaded, &entry);
+        png = draw(&loaded);
+    }
+    fz_catch(context)
+    {
+        fail(context);
+    }
+    unsigned char *data = nullptr;
+    const std::size_t size = fz_buffer_storage(context, png, &data);
+    const auto drop = [context](fz_buffer *buffer) { fz_drop_buffer(context, buffer); };
+    const std::unique_ptr<fz_buffer, decltype(drop)> guard(png, drop);
+    return {reinterpret_cast<const char *>(data), size};
+}
+
+} // namespace pdf

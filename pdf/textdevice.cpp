@@ -1,0 +1,114 @@
+// SPDX-FileCopyrightText: 2026 The Sendrivo authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "pdf/textdevice.h"
+
+#include <cmath>
+#include <exception>
+
+namespace pdf {
+
+namespace {
+
+struct TextDevice
+{
+    fz_device base;
+    GlyphCollector *collector;
+};
+
+/// Keeps C++ exceptions from passing through MuPDF's frames.
+bool addGlyph(GlyphCollector *collector, const ShownGlyph &glyph) noexcept
+{
+    try {
+        collector->add(glyph);
+        return true;
+    } catch (const std::exception &) {
+        return false;
+    }
+}
+
+/// What all glyphs of a span share: the font's axes in layout coordinates.
+ShownGlyph spanGlyph(const fz_text_span *span, fz_matrix transform)
+{
+    const fz_matrix matrix = fz_concat(span->trm, transform);
+    ShownGlyph glyph;
+    glyph.isVertical = span->wmode != 0;
+    glyph.upX = matrix.c;
+    glyph.upY = matrix.d;
+    glyph.em = glyph.isVertical ? std::hypot(matrix.c, matrix.d) : std::hypot(matrix.a, matrix.b);
+    // The pen's way per em: rightwards, or downwards in vertical writing.
+    glyph.advanceX = glyph.isVertical ? -matrix.c : matrix.a;
+    glyph.advanceY = glyph.isVertical ? -matrix.d : matrix.b;
+    return glyph;
+}
+
+void addText(fz_context *context, fz_device *device, const fz_text *text, fz_matrix transform)
+{
+    GlyphCollector *collector = reinterpret_cast<TextDevice *>(device)->collector;
+    for (const fz_text_span *span = text->head; span != nullptr; span = span->next) {
+        const ShownGlyph axes = spanGlyph(span, transform);
+        for (int i = 0; i < span->len; ++i) {
+            const fz_text_item &item = span->items[i];
+            // A second glyph for the same character (an accent set apart) shows nothing new.
+            if (item.ucs < 0)
+                continue;
+            ShownGlyph glyph = axes;
+            const fz_point pen = fz_transform_point_xy(item.x, item.y, transform);
+            glyph.x = pen.x;
+            glyph.y = pen.y;
+            glyph.character = static_cast<char32_t>(item.ucs);
+            glyph.isContinuation = item.gid < 0;
+            const double advance = glyph.isContinuation
+                                       ? 0
+                                       : static_cast<double>(fz_advance_glyph(
+                                             context, span->font, item.gid, glyph.isVertical));
+            glyph.advanceX *= advance;
+            glyph.advanceY *= advance;
+            if (!addGlyph(collector, glyph))
+                fz_throw(context, FZ_ERROR_MEMORY, "out of memory");
+        }
+    }
+}
+
+void fillText(fz_context *context, fz_device *device, const fz_text *text, fz_matrix transform,
+              fz_colorspace * /*space*/, const float * /*color*/, float /*alpha*/,
+              fz_color_params /*parameters*/)
+{
+    addText(context, device, text, transform);
+}
+
+void strokeText(fz_context *context, fz_device *device, const fz_text *text,
+                const fz_stroke_state * /*stroke*/, fz_matrix transform, fz_colorspace * /*space*/,
+                const float * /*color*/, float /*alpha*/, fz_color_params /*parameters*/)
+{
+    addText(context, device, text, transform);
+}
+
+void clipText(fz_context *context, fz_device *device, const fz_text *text, fz_matrix transform,
+              fz_rect /*scissor*/)
+{
+    addText(context, device, text, transform);
+}
+
+void clipStrokeText(fz_context *context, fz_device *device, const fz_text *text,
+                    const fz_stroke_state * /*stroke*/, fz_matrix transform, fz_rect /*scissor*/)
+{
+    addText(context, device, text, transform);
+}
+
+} // namespace
+
+fz_device *newTextDevice(fz_context *context, GlyphCollector *collector)
+{
+    auto *device = reinterpret_cast<TextDevice *>(
+        fz_new_device_of_size(context, static_cast<int>(sizeof(TextDevice))));
+    device->collector = collector;
+    device->base.fill_text = fillText;
+    device->base.stroke_text = strokeText;
+    device->base.clip_text = clipText;
+    device->base.clip_stroke_text = clipStrokeText;
+    device->base.ignore_text = addText;
+    return &device->base;
+}
+
+} // namespace pdf
