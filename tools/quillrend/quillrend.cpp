@@ -1,0 +1,209 @@
+// SPDX-FileCopyrightText: 2026 The Sendrivo authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "tools/quillrend/quillrend.h"
+
+#include "pdf/document.h"
+#include "pdf/layoutfile.h"
+#include "pdf/limits.h"
+#include "pdf/outputfile.h"
+#include "pdf/pageranges.h"
+#include "pdf/pagereader.h"
+#include "pdf/pageworkers.h"
+#include "tools/toolmain.h"
+
+#include <cstdio>
+#include <cstring>
+#include <memory>
+#include <unistd.h>
+
+namespace {
+
+const char usage[] =
+    "quillrend: the text of PDF pages with its places\n"
+    "\n"
+    "  quillrend -htmlformat [-f FIRST] [-l LAST] [--] IN OUT\n"
+    "      writes one layout file for each page of IN. OUT without its suffix, \"_pg_\", a number\n"
+    "      of at least four digits and \".htm\" make their names; the number is 0001 for the "
+    "first\n"
+    "      page converted. With -f or -l only the pages FIRST to LAST (counted from 1) are\n"
+    "      converted, and each one's image at 96 dpi is written beside it (\".png\").\n"
+    "  quillrend -help\n"
+    "  quillrend -version\n"
+    "\n"
+    "Layout files: one line for each piece of text,\n"
+    "  <span style=\"left:64;top:118;width:93;height:15\">INV-0042</span>\n"
+    "in pixels at 96 dpi from the top left corner of the page as a viewer shows it. A page "
+    "without\n"
+    "text gives an empty file. A page is given up after 20 s or 1 GiB; it then has no files.\n";
+
+struct Request
+{
+    std::string input;
+    std::string outputStem;
+    int first = 0; ///< 0 when not given
+    int last = 0;  ///< 0 when not given
+    [[nodiscard]] bool hasRange() const { return first > 0 || last > 0; }
+};
+
+[[noreturn]] void refuse(const std::string &cause)
+{
+    throw pdf::Error(pdf::ExitCode::Usage, cause + " (quillrend -help tells the usage)");
+}
+
+/// The path without the last suffix of its file name.
+std::string withoutSuffix(const std::string &path)
+{
+    const std::size_t name = path.rfind('/') + 1;
+    const std::size_t dot = path.rfind('.');
+    return dot == std::string::npos || dot <= name ? path : path.substr(0, dot);
+}
+
+Request parse(const std::vector<std::string> &arguments)
+{
+    if (arguments.empty() || arguments[0] != "-htmlformat")
+        refuse("-htmlformat must come first");
+    Request request;
+    std::size_t i = 1;
+    for (; i + 1 < arguments.size() && (arguments[i] == "-f" || arguments[i] == "-l"); i += 2) {
+        int &page = arguments[i] == "-f" ? request.first : request.last;
+        page = pdf::parsePageNumber(arguments[i + 1]);
+    }
+    if (i < arguments.size() && arguments[i] == "--")
+        ++i;
+    else if (i < arguments.size() && arguments[i].substr(0, 1) == "-")
+        refuse("\"" + arguments[i] + "\" is not an option");
+    if (i + 2 != arguments.size())
+        refuse("IN and OUT must come last");
+    request.input = arguments[i];
+    request.outputStem = withoutSuffix(arguments[i + 1]);
+    return request;
+}
+
+/// Names of the files of one page; number counts from 1 at the first page converted.
+struct PageFiles
+{
+    PageFiles(const std::string &stem, int number)
+    {
+        char digits[16];
+        std::snprintf(digits, sizeof digits, "%04d", number);
+        layout = stem + "_pg_" + digits + ".htm";
+        image = stem + "_pg_" + digits + ".png";
+    }
+    std::string layout;
+    std::string image;
+};
+
+void removePage(const Request &request, int number)
+{
+    const PageFiles files(request.outputStem, number);
+    if (pdf::isSameFile(files.layout, request.input) || pdf::isSameFile(files.image, request.input))
+        throw pdf::Error(pdf::ExitCode::Usage, request.input + ": would be an output, too");
+    pdf::removeStaleOutput(files.layout);
+    if (request.hasRange())
+        pdf::removeStaleOutput(files.image);
+}
+
+/// Removes what an earlier run left when it is not known how many pages there are: as many pages as
+/// have files without a gap.
+void removeEarlierPages(const Request &request)
+{
+    for (int number = 1;; ++number) {
+        const PageFiles files(request.outputStem, number);
+        if (::access(files.layout.c_str(), F_OK) != 0)
+            return;
+        removePage(request, number);
+    }
+}
+
+const char *runningInput = "";
+
+void emergencyExit(const char *cause)
+{
+    for (const char *part : {"quillrend: ", runningInput, ": ", cause, "\n"}) {
+        [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, part, std::strlen(part));
+    }
+    ::_exit(static_cast<int>(pdf::ExitCode::InputUnreadable));
+}
+
+/// Converts the pages of one request in worker processes.
+class Conversion
+{
+public:
+    Conversion(const Request &conversionRequest, pdf::Document &document)
+        : request(conversionRequest), pages(document)
+    {
+        first = request.first > 0 ? request.first : 1;
+        const int last = request.last > 0 ? std::min(request.last, pages.count()) : pages.count();
+        if (request.hasRange() && (first > pages.count() || last < first))
+            throw pdf::Error(pdf::ExitCode::Usage, request.input + ": has " +
+                                                       std::to_string(pages.count()) +
+                                                       " pages, none of those asked for");
+        count = std::max(0, last - first + 1);
+    }
+
+    pdf::ExitCode run()
+    {
+        for (int i = 0; i < count; ++i)
+            removePage(request, i + 1);
+        pdf::PageWork work;
+        work.pageCount = count;
+        work.workerCount = pdf::usefulWorkerCount(count);
+        work.startWorker = [this] {
+            auto reader = std::make_shared<pdf::PageReader>(pages);
+            return [this, reader](int index) { convert(*reader, index); };
+        };
+        work.report = [this](int index, const std::string &cause) {
+            const std::string page =
+                index < 0 ? "" : "page " + std::to_string(first + index) + ": given up: ";
+            printFailure("quillrend", request.input + ": " + page + cause);
+        };
+        const pdf::ExitCode code = pdf::workOnPages(work);
+        if (code != pdf::ExitCode::Done && code != pdf::ExitCode::DoneInPart) {
+            for (int i = 0; i < count; ++i)
+                removePage(request, i + 1);
+        }
+        return code;
+    }
+
+private:
+    void convert(pdf::PageReader &reader, int index)
+    {
+        const PageFiles files(request.outputStem, index + 1);
+        const int page = first - 1 + index;
+        if (request.hasRange())
+            pdf::writeOutputFile(files.image, reader.image(page));
+        pdf::writeOutputFile(files.layout, pdf::layoutFileText(reader.fragments(page)));
+    }
+
+    const Request &request;
+    pdf::ReadablePages pages;
+    int first = 1;
+    int count = 0;
+};
+
+pdf::ExitCode convert(const Request &request)
+{
+    pdf::Document document(request.input);
+    return Conversion(request, document).run();
+}
+
+pdf::ExitCode run(const std::vector<std::string> &arguments)
+{
+    const Request request = parse(arguments);
+    runningInput = request.input.c_str();
+    pdf::installEmergencyExit(emergencyExit);
+    try {
+        return convert(request);
+    } catch (const pdf::Error &) {
+        removeEarlierPages(request);
+        throw;
+    }
+}
+
+} // namespace
+
+int runQuillrend(int argc, char *argv[])
+{
+    return toolMain({"quillrend", usage, run}, argc, argv);
+}

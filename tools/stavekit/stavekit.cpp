@@ -1,0 +1,140 @@
+// SPDX-FileCopyrightText: 2026 The Sendrivo authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "tools/stavekit/stavekit.h"
+
+#include "pdf/assembly.h"
+#include "pdf/document.h"
+#include "pdf/documentinfo.h"
+#include "pdf/limits.h"
+#include "pdf/mappedfile.h"
+#include "pdf/outputfile.h"
+#include "pdf/pageranges.h"
+#include "tools/toolmain.h"
+
+#include <cstring>
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace {
+
+const char usage[] =
+    "stavekit: page count and page ranges of a PDF file\n"
+    "\n"
+    "  stavekit IN -getinfo -outfile FILE\n"
+    "      writes the page count and further facts about IN into FILE, one \"Key: value\" a line;\n"
+    "      the first line is \"NumberOfPages: \" and the count. When IN cannot be read the count\n"
+    "      is missing and a line \"Error: \" gives the cause.\n"
+    "  stavekit IN -merge RANGE... -outfile OUT\n"
+    "      writes the pages of the ranges to the new PDF file OUT, in the order given. A range is\n"
+    "      a page number or two joined by a hyphen (7 or 3-5), counted from 1.\n"
+    "  stavekit -help\n"
+    "  stavekit -version\n"
+    "\n"
+    "The first argument is always IN, whatever it begins with. OUT and FILE are replaced; they\n"
+    "must not be IN.\n";
+
+struct Request
+{
+    std::string input;
+    bool isInfo = false;
+    std::vector<std::string> ranges;
+    std::string output;
+};
+
+[[noreturn]] void refuse(const std::string &cause)
+{
+    throw pdf::Error(pdf::ExitCode::Usage, cause + " (stavekit -help tells the usage)");
+}
+
+Request parse(const std::vector<std::string> &arguments)
+{
+    if (arguments.size() < 4)
+        refuse("too few arguments");
+    Request request;
+    request.input = arguments[0];
+    request.isInfo = arguments[1] == "-getinfo";
+    if (!request.isInfo && arguments[1] != "-merge")
+        refuse("\"" + arguments[1] + "\" is neither -getinfo nor -merge");
+    std::size_t i = 2;
+    while (i < arguments.size() && arguments[i] != "-outfile")
+        request.ranges.push_back(arguments[i++]);
+    if (i + 2 != arguments.size())
+        refuse("-outfile and one file name must come last");
+    request.output = arguments[i + 1];
+    if (request.isInfo && !request.ranges.empty())
+        refuse("-getinfo takes no page ranges");
+    if (!request.isInfo && request.ranges.empty())
+        refuse("-merge needs a page range");
+    return request;
+}
+
+/// The request while it runs, for an exit from a signal handler.
+struct RunningRequest
+{
+    const char *input = nullptr;
+    const char *infoFile = nullptr; ///< null for -merge
+};
+RunningRequest running;
+
+void writeAll(int descriptor, const char *text)
+{
+    [[maybe_unused]] const ssize_t written = ::write(descriptor, text, std::strlen(text));
+}
+
+void emergencyExit(const char *cause)
+{
+    for (const char *part : {"stavekit: ", running.input, ": ", cause, "\n"})
+        writeAll(STDERR_FILENO, part);
+    if (running.infoFile != nullptr) {
+        const int file = ::open(running.infoFile, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+        for (const char *part : {"NumberOfPages: \nError: ", cause, "\n"})
+            writeAll(file, part);
+    }
+    ::_exit(static_cast<int>(pdf::ExitCode::InputUnreadable));
+}
+
+pdf::ExitCode getInfo(const Request &request)
+{
+    std::string info;
+    try {
+        pdf::Document document(request.input);
+        info = pdf::documentInfo(document);
+    } catch (const pdf::Error &error) {
+        pdf::writeOutputFile(request.output, pdf::failureInfo(error.what()));
+        throw;
+    }
+    pdf::writeOutputFile(request.output, info);
+    return pdf::ExitCode::Done;
+}
+
+pdf::ExitCode merge(const Request &request)
+{
+    pdf::Document document(request.input);
+    std::vector<pdf::PageRange> ranges;
+    for (const std::string &text : request.ranges)
+        ranges.push_back(pdf::parsePageRange(text, document.pages().count()));
+    pdf::OutputFile output(request.output);
+    pdf::assemblePages(document, pdf::pageIndexes(ranges), output);
+    output.publish();
+    return pdf::ExitCode::Done;
+}
+
+pdf::ExitCode run(const std::vector<std::string> &arguments)
+{
+    const Request request = parse(arguments);
+    if (pdf::isSameFile(request.input, request.output))
+        throw pdf::Error(pdf::ExitCode::Usage, request.output + ": is the input file itself");
+    pdf::removeStaleOutput(request.output);
+    running.input = request.input.c_str();
+    running.infoFile = request.isInfo ? request.output.c_str() : nullptr;
+    pdf::installEmergencyExit(emergencyExit);
+    return request.isInfo ? getInfo(request) : merge(request);
+}
+
+} // namespace
+
+int runStavekit(int argc, char *argv[])
+{
+    return toolMain({"stavekit", usage, run}, argc, argv);
+}

@@ -1,0 +1,66 @@
+// SPDX-FileCopyrightText: 2026 The Sendrivo authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "tools/toolmain.h"
+
+#include "pdf/limits.h"
+
+#include <cstdio>
+#include <new>
+#include <unistd.h>
+
+namespace {
+
+int print(const std::string &text)
+{
+    const bool isWritten = std::fputs(text.c_str(), stdout) >= 0 && std::fflush(stdout) == 0;
+    const auto code = isWritten ? pdf::ExitCode::Done : pdf::ExitCode::OutputUnwritable;
+    return static_cast<int>(code);
+}
+
+} // namespace
+
+int toolMain(const Tool &tool, int argc, char *argv[])
+{
+    const std::vector<std::string> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
+    if (arguments.size() == 1 && (arguments[0] == "-help" || arguments[0] == "--help"))
+        return print(tool.usage + exitCodeUsage());
+    if (arguments.size() == 1 && (arguments[0] == "-version" || arguments[0] == "--version"))
+        return print(tool.name + " " SENDRIVO_VERSION "\n");
+    pdf::limitResources();
+    try {
+        return static_cast<int>(tool.run(arguments));
+    } catch (const pdf::Error &error) {
+        printFailure(tool.name, error.what());
+        return static_cast<int>(error.exitCode());
+    } catch (const std::bad_alloc &) {
+        printFailure(tool.name, "needs too much memory");
+    } catch (const std::exception &error) {
+        printFailure(tool.name, error.what());
+    }
+    return static_cast<int>(pdf::ExitCode::InputUnreadable);
+}
+
+void printFailure(const std::string &toolName, const std::string &cause)
+{
+    std::string line = toolName + ": " + cause;
+    for (char &c : line) {
+        if (static_cast<unsigned char>(c) < 0x20)
+            c = ' ';
+    }
+    line += '\n';
+    // One write, so that lines of several processes never mix. Nobody is left to tell a failure.
+    [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, line.data(), line.size());
+}
+
+std::string exitCodeUsage()
+{
+    return "\n"
+           "Exit codes:\n"
+           "  0  done\n"
+           "  2  command line not understood, or a page that does not exist asked for\n"
+           "  3  input cannot be read: missing, no PDF, or damaged beyond repair\n"
+           "  4  done in part: some pages were given up\n"
+           "  5  output cannot be written\n"
+           "  6  input needs a password, or its permissions forbid the operation\n";
+}
