@@ -74,7 +74,8 @@ QPDFObjectHandle ObjectCopier::copyAsIndirect(const QPDFObjectHandle &value)
 
 QPDFObjectHandle ObjectCopier::placeholder()
 {
-    return target.makeIndirectObject(QPDFObjectHandle::newNull());
+    // Not a null: qpdf drops a dictionary's key when its value is one at that moment.
+    return target.makeIndirectObject(QPDFObjectHandle::newDictionary());
 }
 
 void ObjectCopier::finish()
