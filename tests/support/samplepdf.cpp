@@ -88,7 +88,8 @@ private:
     PageShape page;
 };
 
-void drawInvoicePage(PagePainter &painter, const SampleInvoice &invoice, int page)
+/// `sheet` numbers the pages of the whole file, so that no two of them are alike.
+void drawInvoicePage(PagePainter &painter, const SampleInvoice &invoice, int page, int sheet)
 {
     painter.beginPage();
     painter.text(56, 70, 17, QStringLiteral("Birchfield Paper & Supplies"), true);
@@ -118,6 +119,7 @@ void drawInvoicePage(PagePainter &painter, const SampleInvoice &invoice, int pag
     painter.text(56, 346, 8,
                  page < invoice.pages ? QStringLiteral("continued on the next page")
                                       : QStringLiteral("Payable within 30 days. Thank you."));
+    painter.text(450, 346, 8, QStringLiteral("Sheet %1").arg(sheet));
 }
 
 /// Adds what QPdfWriter cannot write: rotation and crop box.
@@ -157,13 +159,12 @@ bool writeSamplePdf(const QString &path, const QList<SampleInvoice> &invoices, S
         writer.setPageSize(QPageSize(shape.media, QPageSize::Point, {}, QPageSize::ExactMatch));
         writer.setPageMargins(QMarginsF());
         PagePainter painter(writer, shape);
-        bool isFirst = true;
+        int sheet = 0;
         for (const SampleInvoice &invoice : invoices) {
             for (int page = 1; page <= invoice.pages; ++page) {
-                if (!isFirst && !writer.newPage())
+                if (sheet > 0 && !writer.newPage())
                     return false;
-                isFirst = false;
-                drawInvoicePage(painter, invoice, page);
+                drawInvoicePage(painter, invoice, page, ++sheet);
             }
         }
     }
