@@ -188,7 +188,9 @@ void Process::addRow(int row, const QString &path)
     if (row > table->rowCount())
         return;
     table->insertRow(row);
-    table->setItem(row, 0, new QTableWidgetItem(path));
+    auto *pathItem = new QTableWidgetItem(path);
+    pathItem->setToolTip(path); // the column may be too narrow for it
+    table->setItem(row, 0, pathItem);
     const qint64 bytes = QFileInfo(path).size();
     const QString text = fileSizeText(bytes);
     if (!text.isEmpty())
