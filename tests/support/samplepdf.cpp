@@ -179,7 +179,8 @@ void encryptSamplePdf(const QString &source, const QString &path,
 {
     QPDF pdf;
     pdf.processFile(QFile::encodeName(source).constData());
-    QPDFWriter writer(pdf, QFile::encodeName(path).constData());
+    const QByteArray name = QFile::encodeName(path); // the writer keeps the pointer
+    QPDFWriter writer(pdf, name.constData());
     writer.setR6EncryptionParameters(encryption.userPassword.constData(), "owner", true, true,
                                      encryption.mayAssemble, true, true, true, qpdf_r3p_full, true);
     writer.write();
