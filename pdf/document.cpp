@@ -48,6 +48,8 @@ void Document::open()
     pdf->processMemoryFile(input.path().c_str(), bytes.data(), bytes.size(), "");
     pageList = readPageList(*pdf, bytes);
     hadWarnings = pdf->anyWarnings();
+    if (hadWarnings && pageList.pages.empty())
+        throw Error(ExitCode::InputUnreadable, input.path() + ": is damaged: it has no pages");
 }
 
 bool Document::mayAssemble()

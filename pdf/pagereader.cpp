@@ -290,7 +290,9 @@ std::vector<Fragment> PageReader::fragments(int index)
     }
     fz_catch(context)
     {
-        fail(context);
+        // Contents too damaged to go on with still show what came before.
+        if (fz_caught(context) == FZ_ERROR_MEMORY)
+            fail(context);
     }
     return makeFragments(collector.takeRuns());
 }

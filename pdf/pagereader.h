@@ -18,19 +18,22 @@ class ReadablePages
 {
 public:
     /// Throws Error(InputUnreadable) when the damage is beyond repair.
-    explicit ReadablePages(Document &document);
+    explicit ReadablePages(Document &inputDocument);
 
     [[nodiscard]] std::string_view bytes() const { return view; }
     [[nodiscard]] int count() const { return static_cast<int>(entries.size()); }
-    /// Page objects and the nodes above them, or nothing when the copy's own page list is to be
-    /// taken as it is.
+    /// The page object and the node above it, as numbered in the file (not in a copy).
     [[nodiscard]] const PageEntry &entry(int index) const
     {
         return entries[static_cast<std::size_t>(index)];
     }
+    /// Whether bytes() is a copy, whose page tree is one node that lists all pages.
     [[nodiscard]] bool isCopy() const { return !copy.empty(); }
+    /// Goes over to a copy, for a file that only one of the two libraries understands.
+    void makeCopy();
 
 private:
+    Document &document;
     std::string copy;
     std::string_view view;
     std::vector<PageEntry> entries;

@@ -52,11 +52,16 @@ std::string soundCopy(Document &document)
 
 } // namespace
 
-ReadablePages::ReadablePages(Document &document)
-    : view(document.file().bytes()), entries(document.pages().pages)
+ReadablePages::ReadablePages(Document &inputDocument)
+    : document(inputDocument), view(inputDocument.file().bytes()),
+      entries(inputDocument.pages().pages)
 {
-    if (!document.isDamaged() && !document.pages().hasNewObjects)
-        return;
+    if (document.isDamaged() || document.pages().hasNewObjects)
+        makeCopy();
+}
+
+void ReadablePages::makeCopy()
+{
     try {
         copy = soundCopy(document);
         view = copy;

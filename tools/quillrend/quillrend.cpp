@@ -12,8 +12,10 @@
 #include "pdf/pageworkers.h"
 #include "tools/toolmain.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <functional>
 #include <memory>
 #include <unistd.h>
 
@@ -149,10 +151,7 @@ public:
         pdf::PageWork work;
         work.pageCount = count;
         work.workerCount = pdf::usefulWorkerCount(count);
-        work.startWorker = [this] {
-            auto reader = std::make_shared<pdf::PageReader>(pages);
-            return [this, reader](int index) { convert(*reader, index); };
-        };
+        work.startWorker = [this] { return startWorker(); };
         work.report = [this](int index, const std::string &cause) {
             const std::string page =
                 index < 0 ? "" : "page " + std::to_string(first + index) + ": given up: ";
@@ -167,17 +166,45 @@ public:
     }
 
 private:
-    void convert(pdf::PageReader &reader, int index)
+    /// The reader of this worker process; pages are then this process's own, too.
+    std::function<void(int)> startWorker()
+    {
+        try {
+            reader = std::make_unique<pdf::PageReader>(pages);
+        } catch (const pdf::Error &) {
+            readCopy();
+        }
+        return [this](int index) {
+            try {
+                convert(index);
+            } catch (const pdf::Error &error) {
+                if (error.exitCode() == pdf::ExitCode::OutputUnwritable || pages.isCopy())
+                    throw;
+                readCopy();
+                convert(index);
+            }
+        };
+    }
+
+    void readCopy()
+    {
+        reader.reset();
+        pages.makeCopy();
+        reader = std::make_unique<pdf::PageReader>(pages);
+    }
+
+    void convert(int index)
     {
         const PageFiles files(request.outputStem, index + 1);
         const int page = first - 1 + index;
         if (request.hasRange())
-            pdf::writeOutputFile(files.image, reader.image(page));
-        pdf::writeOutputFile(files.layout, pdf::layoutFileText(reader.fragments(page)));
+            pdf::writeOutputFile(files.image, reader->image(page));
+        pdf::writeOutputFile(files.layout, pdf::layoutFileText(reader->fragments(page)));
     }
 
     const Request &request;
     pdf::ReadablePages pages;
+    std::unique_ptr<pdf::PageReader> reader;
     int first = 1;
     int count = 0;
 };

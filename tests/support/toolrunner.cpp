@@ -1,0 +1,60 @@
+// SPDX-FileCopyrightText: 2026 The Sendrivo authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "tests/support/toolrunner.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QProcess>
+
+ToolResult runTool(const QString &name, const QStringList &arguments, int timeoutMs)
+{
+    QProcess process;
+    process.start(QCoreApplication::applicationDirPath() + QLatin1Char('/') + name, arguments);
+    ToolResult result;
+    if (!process.waitForFinished(timeoutMs)) {
+        process.kill();
+        process.waitForFinished();
+        return result;
+    }
+    if (process.exitStatus() == QProcess::NormalExit)
+        result.exitCode = process.exitCode();
+    result.output = process.readAllStandardOutput();
+    result.errors = process.readAllStandardError();
+    return result;
+}
+
+ToolResult mergePages(const QString &file, const QString &ranges, const QString &out)
+{
+    QStringList arguments = {file, QStringLiteral("-merge")};
+    arguments += ranges.split(QLatin1Char(' '));
+    arguments += {QStringLiteral("-outfile"), out};
+    return runTool(QStringLiteral("stavekit"), arguments);
+}
+
+int toolPageCount(const QString &file, const QString &infoFile)
+{
+    const ToolResult result =
+        runTool(QStringLiteral("stavekit"), {file, QStringLiteral("-getinfo"),
+                                             QStringLiteral("-outfile"), infoFile});
+    QFile info(infoFile);
+    const QByteArray key = "NumberOfPages: ";
+    if (result.exitCode < 0 || !info.open(QIODevice::ReadOnly))
+        return -1;
+    const QByteArray line = info.readLine().trimmed();
+    bool isNumber = false;
+    const int count = line.mid(key.size()).toInt(&isNumber);
+    return isNumber ? count : -1;
+}
+
+ToolResult convertPages(const QString &file, const QString &folder, const QStringList &options)
+{
+    return runTool(QStringLiteral("quillrend"), QStringList(QStringLiteral("-htmlformat")) +
+                                                    options +
+                                                    QStringList{file, folder + "/split.xml"});
+}
+
+QString layoutPath(const QString &folder, int page)
+{
+    return QStringLiteral("%1/split_pg_%2.htm").arg(folder).arg(page, 4, 10, QLatin1Char('0'));
+}
