@@ -18,10 +18,6 @@ constexpr double ascentEm = 0.8;
 /// Runs this far apart, in font sizes, still stand on one line: the words of a recognised scan do
 /// not agree better, and the closest raised letters are twice as far up.
 constexpr double sameLineSizes = 0.15;
-/// Glyphs of one letter this near to each other, in em, are one letter drawn twice. The narrowest
-/// letters of narrow fonts advance by 0.18 em.
-constexpr double sameGlyphEm = 0.12;
-
 auto directionKey(const Baseline &line)
 {
     // In steps of about two degrees, so that noise does not part a line.

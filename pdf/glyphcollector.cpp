@@ -47,6 +47,12 @@ bool isSameDirection(const Baseline &a, const Baseline &b)
            a.isVertical == b.isVertical && a.isMirrored == b.isMirrored;
 }
 
+bool isRepetition(const GlyphRun &run, double start, char32_t character)
+{
+    const PlacedGlyph &last = run.glyphs.back();
+    return last.character == character && std::abs(last.start - start) < sameGlyphEm * run.line.em;
+}
+
 } // namespace
 
 bool GlyphCollector::isOutside(const ShownGlyph &glyph) const
@@ -87,7 +93,7 @@ void GlyphCollector::add(const ShownGlyph &glyph)
         hasBlank = true;
         return;
     }
-    if (isDropped(glyph.character) || isOutside(glyph) || !(glyph.em > 0))
+    if (isOutside(glyph) || !(glyph.em > 0))
         return;
     const Baseline line = baselineOf(glyph);
     const double start = glyph.x * line.directionX + glyph.y * line.directionY;
@@ -95,7 +101,16 @@ void GlyphCollector::add(const ShownGlyph &glyph)
     if (!std::isfinite(start) || !std::isfinite(end) || !std::isfinite(line.across) ||
         !(line.size > 0))
         return;
-    if (!continuesRun(line, start)) {
+    const bool isContinued = continuesRun(line, start);
+    if (isDropped(glyph.character)) {
+        // Nothing is seen of it, but its width is not a gap between letters either.
+        if (isContinued)
+            runs.back().glyphs.back().end = end;
+        return;
+    }
+    if (isContinued && isRepetition(runs.back(), start, glyph.character))
+        return;
+    if (!isContinued) {
         GlyphRun run;
         run.line = line;
         run.order = static_cast<int>(runs.size());

@@ -127,12 +127,11 @@ void TestPageList::allOperationsAgree_data()
     QTest::newRow("page of another type") << between([](Tree &tree) {
         return PdfBuilder::ref(tree.file.add(tree.pageDictionary("X", "/Type /Pag", tree.root)));
     }) << "AXB";
-    QTest::newRow("page directly in the tree") << between([](Tree &tree) {
-        return tree.pageDictionary("X", "/Type /Page", tree.root);
-    }) << "AXB";
-    QTest::newRow("page with a wrong parent") << between([](Tree &tree) {
-        return PdfBuilder::ref(tree.page("X", 998));
-    }) << "AXB";
+    QTest::newRow("page directly in the tree")
+        << between([](Tree &tree) { return tree.pageDictionary("X", "/Type /Page", tree.root); })
+        << "AXB";
+    QTest::newRow("page with a wrong parent")
+        << between([](Tree &tree) { return PdfBuilder::ref(tree.page("X", 998)); }) << "AXB";
     QTest::newRow("page listed twice") << between([](Tree &tree) {
         const QByteArray page = PdfBuilder::ref(tree.page("X", tree.root));
         return page + ' ' + page;
@@ -152,11 +151,11 @@ void TestPageList::allOperationsAgree_data()
     QTest::newRow("nested very deep") << deep(20000) << "A";
     QTest::newRow("table of offsets lost")
         << QByteArray(sound).replace("startxref", "startxxxx") << "ABCDE";
-    QTest::newRow("offsets shifted by bytes in front")
-        << QByteArray("junk\n") + sound << "ABCDE";
+    QTest::newRow("offsets shifted by bytes in front") << QByteArray("junk\n") + sound << "ABCDE";
     QTest::newRow("cut off behind the objects")
         << sound.left(sound.indexOf("xref\n0 ")) + "trailer << /Root " +
-               PdfBuilder::ref(sound.count(" 0 obj")) + " >>" << "ABCDE";
+               PdfBuilder::ref(sound.count(" 0 obj")) + " >>"
+        << "ABCDE";
     QTest::newRow("catalog without page tree")
         << QByteArray(sound).replace("/Catalog /Pages", "/Catalog /Nodes") << "ABCDE";
 }

@@ -35,8 +35,8 @@ ToolResult mergePages(const QString &file, const QString &ranges, const QString 
 int toolPageCount(const QString &file, const QString &infoFile)
 {
     const ToolResult result =
-        runTool(QStringLiteral("stavekit"), {file, QStringLiteral("-getinfo"),
-                                             QStringLiteral("-outfile"), infoFile});
+        runTool(QStringLiteral("stavekit"),
+                {file, QStringLiteral("-getinfo"), QStringLiteral("-outfile"), infoFile});
     QFile info(infoFile);
     const QByteArray key = "NumberOfPages: ";
     if (result.exitCode < 0 || !info.open(QIODevice::ReadOnly))

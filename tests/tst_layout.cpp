@@ -1,0 +1,308 @@
+// SPDX-FileCopyrightText: 2026 The Sendrivo authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "pdf/document.h"
+#include "pdf/fragments.h"
+#include "pdf/layoutfile.h"
+#include "pdf/pagereader.h"
+#include "tests/support/pdfbuilder.h"
+#include "tests/support/privatefolders.h"
+
+#include <QTemporaryDir>
+#include <QTest>
+
+/// Text of pages as fragments, on tiny files. The page is 300 x 200 points, that is 400 x 267
+/// pixels; Helvetica advances by 0.5 em in "a", 0.278 em in a blank.
+class TestLayout : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void fragmentTexts_data();
+    void fragmentTexts();
+    void boxes_data();
+    void boxes();
+    void cornerDoesNotDependOnText();
+    void coordinatesAbsorbNoise_data();
+    void coordinatesAbsorbNoise();
+    void smallestCoordinateIsOne();
+    void markup_data();
+    void markup();
+    void layoutFile();
+};
+
+namespace {
+
+std::vector<pdf::Fragment> fragmentsOf(const QByteArray &bytes)
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath("in.pdf");
+    writeFile(path, bytes);
+    pdf::Document document(path.toStdString());
+    const pdf::ReadablePages pages(document);
+    return pdf::PageReader(pages).fragments(0);
+}
+
+QStringList textsOf(const QByteArray &bytes)
+{
+    QStringList texts;
+    for (const pdf::Fragment &fragment : fragmentsOf(bytes))
+        texts.append(QString::fromStdString(fragment.text));
+    return texts;
+}
+
+/// A page with the contents and, as /F2, a font whose codes a, b, c ... mean the given characters
+/// (UTF-16BE hexadecimal), all 600 units wide.
+QByteArray mappedPdf(const QByteArray &contents, const QByteArrayList &characters)
+{
+    PdfBuilder file;
+    QByteArray map = "/CIDInit /ProcSet findresource begin 12 dict begin begincmap\n"
+                     "1 begincodespacerange <00> <FF> endcodespacerange\n" +
+                     QByteArray::number(characters.size()) + " beginbfchar\n";
+    for (qsizetype i = 0; i < characters.size(); ++i)
+        map += "<" + QByteArray::number(0x61 + i, 16) + "> <" + characters[i] + ">\n";
+    const int toUnicode = file.addStream(map + "endbfchar endcmap end end");
+    const int font = file.add("<< /Type /Font /Subtype /Type1 /BaseFont /Courier /FirstChar 97 "
+                              "/LastChar 106 /Widths [600 600 600 600 600 600 600 600 600 600] "
+                              "/ToUnicode " +
+                              PdfBuilder::ref(toUnicode) + " >>");
+    const int data = file.addStream(contents);
+    const int root = file.reserve();
+    const int page =
+        file.add("<< /Type /Page /Parent " + PdfBuilder::ref(root) +
+                 " /MediaBox [0 0 300 200] /Resources << /Font << /F2 " + PdfBuilder::ref(font) +
+                 " >> >> /Contents " + PdfBuilder::ref(data) + " >>");
+    file.define(root, "<< /Type /Pages /Kids [" + PdfBuilder::ref(page) + "] /Count 1 >>");
+    return file.bytes(file.add("<< /Type /Catalog /Pages " + PdfBuilder::ref(root) + " >>"));
+}
+
+QByteArray mappedLine(const QByteArray &codes)
+{
+    return "BT /F2 12 Tf 20 100 Td (" + codes + ") Tj ET";
+}
+
+/// A page whose form XObject and whose annotation show one text each.
+QByteArray formAndAnnotation()
+{
+    PdfBuilder file;
+    const QByteArray resources =
+        "/Resources << /Font << /F1 " + PdfBuilder::ref(file.addHelvetica()) + " >> >>";
+    const QByteArray form = "/Type /XObject /Subtype /Form /BBox [0 0 300 200] " + resources;
+    const int drawn = file.addStream(showText(20, 150, "in a form"), form);
+    const int appearance = file.addStream(showText(5, 5, "in a note"), form);
+    const int annotation = file.add("<< /Type /Annot /Subtype /Stamp /F 4 /Rect [20 20 320 220] "
+                                    "/AP << /N " +
+                                    PdfBuilder::ref(appearance) + " >> >>");
+    const int contents = file.addStream("/X Do");
+    const int root = file.reserve();
+    const int page = file.add("<< /Type /Page /Parent " + PdfBuilder::ref(root) +
+                              " /MediaBox [0 0 300 200] /Contents " + PdfBuilder::ref(contents) +
+                              " /Resources << /XObject << /X " + PdfBuilder::ref(drawn) +
+                              " >> >> /Annots [" + PdfBuilder::ref(annotation) + "] >>");
+    file.define(root, "<< /Type /Pages /Kids [" + PdfBuilder::ref(page) + "] /Count 1 >>");
+    return file.bytes(file.add("<< /Type /Catalog /Pages " + PdfBuilder::ref(root) + " >>"));
+}
+
+QByteArray inHelvetica(const QByteArray &operators)
+{
+    return simplePdf({"BT /F1 10 Tf 20 100 Td " + operators + " ET"});
+}
+
+} // namespace
+
+void TestLayout::fragmentTexts_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<QStringList>("texts");
+
+    const auto row = [](const char *name, const QByteArray &bytes, const QStringList &texts) {
+        QTest::newRow(name) << bytes << texts;
+    };
+    row("one string", inHelvetica("(Hello world) Tj"), {"Hello world"});
+    row("no text", simplePdf({"0 0 10 10 re f"}), {});
+    row("blanks at both ends", inHelvetica("(   Hello   ) Tj"), {"Hello"});
+    row("only blanks", inHelvetica("(   ) Tj"), {});
+    row("two blanks inside", inHelvetica("(Hello  world) Tj"), {"Hello world"});
+    row("blanks as wide as a column gap", inHelvetica("(Total      12.00) Tj"), {"Total", "12.00"});
+    row("kerned letters", inHelvetica("[(A) 80 (V) -20 (A) 74 (TAR)] TJ"), {"AVATAR"});
+    row("words parted by a movement only", inHelvetica("[(two) -278 (words)] TJ"), {"two words"});
+    row("column gap by movement", inHelvetica("[(Label) -1500 (Value)] TJ"), {"Label", "Value"});
+    row("words shown one by one",
+        simplePdf({showText(20, 100, "one", 10) + showText(38.5, 100, "by", 10) +
+                   showText(51.5, 100, "one", 10)}),
+        {"one by one"});
+    row("words shown in another order",
+        simplePdf({showText(57, 100, "three", 10) + showText(20, 100, "one", 10) +
+                   showText(38.5, 100, "two", 10)}),
+        {"one two three"});
+    row("spaced letters", inHelvetica("3 Tc (INVOICE) Tj"), {"INVOICE"});
+    row("spaced letters of two words", inHelvetica("3 Tc (TAX INVOICE) Tj"), {"TAX INVOICE"});
+    row("stretched word spaces", inHelvetica("4 Tw (a justified line) Tj"), {"a justified line"});
+    row("tight word spaces", inHelvetica("-0.8 Tw (a tight line) Tj"), {"a tight line"});
+    row("two lines", simplePdf({showText(20, 100, "upper") + showText(20, 86, "lower")}),
+        {"upper", "lower"});
+    row("raised letters are another line",
+        simplePdf({showText(20, 100, "x") + showText(26.5, 104, "2", 8)}), {"2", "x"});
+    row("shown twice in place",
+        simplePdf({showText(20, 100, "Bold") + showText(20.3, 100, "Bold")}), {"Bold"});
+    row("filled, then stroked word by word",
+        simplePdf({showText(20, 100, "Two words") + "1 Tr " + showText(20, 100, "Two") +
+                   showText(46.01, 100, "words")}),
+        {"Two words"});
+    row("each letter shown twice",
+        inHelvetica("(l) Tj 0.2 0 Td (l) Tj 2.0 0 Td (l) Tj 0.2 0 Td (l) Tj"), {"ll"});
+    row("invisible, as in scans", inHelvetica("3 Tr (recognised) Tj"), {"recognised"});
+    row("used for clipping", inHelvetica("7 Tr (clip) Tj"), {"clip"});
+    row("outside the crop box",
+        simplePdf({showText(20, 100, "inside") + showText(20, 180, "above") +
+                   showText(200, 100, "beside")},
+                  "/CropBox [0 50 150 150]"),
+        {"inside"});
+    row("outside the media box", simplePdf({showText(20, 300, "above")}), {});
+    row("form and annotation", formAndAnnotation(), {"in a form", "in a note"});
+    row("ligature as one character", mappedPdf(mappedLine("abc"), {"006F", "FB03", "0063"}),
+        {"offic"});
+    row("ligature as several characters", mappedPdf(mappedLine("ab"), {"00660069", "006E"}),
+        {"fin"});
+    row("no-break and other blanks",
+        mappedPdf(mappedLine("abcdcec"), {"0041", "00A0", "0042", "2009", "3000"}), {"A B B B"});
+    row("soft hyphen", mappedPdf(mappedLine("abc"), {"0041", "00AD", "0042"}), {"A-B"});
+    row("marks composed", mappedPdf(mappedLine("a"), {"00650301"}), {QString::fromUtf8("é")});
+    row("control characters", mappedPdf(mappedLine("abc"), {"0041", "0007", "0085"}),
+        {QString::fromUtf8("A\uFFFD")});
+    row("line separator", mappedPdf(mappedLine("abc"), {"0041", "2028", "0042"}), {"A B"});
+    row("lone surrogate", mappedPdf(mappedLine("ab"), {"0041", "D800"}),
+        {QString::fromUtf8("A\uFFFD")});
+    row("beyond the basic plane", mappedPdf(mappedLine("a"), {"D83DDE00"}),
+        {QString::fromUtf8("😀")});
+    row("direction marks", mappedPdf(mappedLine("abc"), {"0041", "200E", "0042"}), {"AB"});
+}
+
+void TestLayout::fragmentTexts()
+{
+    QFETCH(QByteArray, bytes);
+    QFETCH(QStringList, texts);
+    QCOMPARE(textsOf(bytes), texts);
+}
+
+void TestLayout::boxes_data()
+{
+    QTest::addColumn<QByteArray>("contents");
+    QTest::addColumn<QByteArray>("pageEntries");
+    QTest::addColumn<QRect>("box");
+
+    // 12 points are 16 pixels; "aaaa" is 2 em wide; the baseline at y = 100 points lies 133.3
+    // pixels below the top, the box begins 0.8 em = 12.8 pixels above it.
+    const QByteArray line = showText(30, 100, "aaaa");
+    const auto row = [](const char *name, const QByteArray &contents, const QByteArray &entries,
+                        const QRect &box) { QTest::newRow(name) << contents << entries << box; };
+    row("upright", line, "", {40, 121, 36, 16});
+    row("blank before", showText(30, 100, " aaaa"), "", {45, 121, 36, 16});
+    row("crop box away from zero", line, "/CropBox [15 20 295 180]", {20, 94, 36, 16});
+    row("crop box larger than the media box", line, "/CropBox [-50 -50 900 900]",
+        {40, 121, 36, 16});
+    row("user unit", line, "/UserUnit 2", {80, 241, 71, 32});
+    row("page turned by 90", line, "/Rotate 90", {130, 40, 16, 36});
+    row("page turned by 180", line, "/Rotate 180", {324, 130, 36, 16});
+    row("page turned by 270", line, "/Rotate 270", {121, 324, 16, 36});
+    row("text turned by 90", "BT /F1 12 Tf 0 1 -1 0 100 30 Tm (aaaa) Tj ET", "",
+        {121, 191, 16, 36});
+    row("stretched", "BT /F1 12 Tf 200 Tz 30 100 Td (aaaa) Tj ET", "", {40, 121, 71, 16});
+    row("scaled by the matrix", "BT /F1 1 Tf 12 0 0 12 30 100 Tm (aaaa) Tj ET", "",
+        {40, 121, 36, 16});
+    row("slanted by the matrix", "BT /F1 1 Tf 12 0 4 12 30 100 Tm (aaaa) Tj ET", "",
+        {40, 121, 36, 16});
+    row("at the left edge", showText(0, 100, "aaaa"), "", {1, 121, 36, 16});
+}
+
+void TestLayout::boxes()
+{
+    QFETCH(QByteArray, contents);
+    QFETCH(QByteArray, pageEntries);
+    QFETCH(QRect, box);
+    const auto fragments = fragmentsOf(simplePdf({contents}, pageEntries));
+    QCOMPARE(fragments.size(), std::size_t{1});
+    const pdf::Fragment &found = fragments.front();
+    QCOMPARE(QRect(found.left, found.top, found.width, found.height), box);
+}
+
+void TestLayout::cornerDoesNotDependOnText()
+{
+    for (const char *text : {"INV-0042", "i", "\xC4\xD6\xDC", "jgq", "_", "'", "WWWWWWWW"}) {
+        const auto fragments = fragmentsOf(simplePdf({showText(30, 100, text)}));
+        QCOMPARE(fragments.size(), std::size_t{1});
+        QCOMPARE(QPoint(fragments[0].left, fragments[0].top), QPoint(40, 121));
+        QCOMPARE(fragments[0].height, 16);
+    }
+}
+
+void TestLayout::coordinatesAbsorbNoise_data()
+{
+    QTest::addColumn<double>("step");   // of what producers place text on, in pixels
+    QTest::addColumn<double>("origin"); // from where
+    QTest::newRow("tenths of a point") << 2.0 / 15 << 0.0;
+    QTest::newRow("quarters of a point") << 1.0 / 3 << 0.0;
+    QTest::newRow("twelfths of a pixel") << 1.0 / 12 << 0.0;
+    QTest::newRow("tenths of a point on A4") << 2.0 / 15 << 841.89 * 4 / 3;
+    QTest::newRow("tenths of a point on Letter") << 2.0 / 15 << 1056.0;
+}
+
+void TestLayout::coordinatesAbsorbNoise()
+{
+    QFETCH(double, step);
+    QFETCH(double, origin);
+    for (int i = 0; i < 1000; ++i) {
+        const double place = origin + i * step;
+        for (const double noise : {-0.01, 0.01})
+            QCOMPARE(pdf::layoutCoordinate(place + noise), pdf::layoutCoordinate(place));
+    }
+}
+
+void TestLayout::smallestCoordinateIsOne()
+{
+    // Readers take 0 and less for "no value".
+    for (const double pixels : {-1e30, -3.0, 0.0, 0.2, 1.4})
+        QCOMPARE(pdf::layoutCoordinate(pixels), 1);
+    QCOMPARE(pdf::layoutCoordinate(1.45), 2);
+    QVERIFY(pdf::layoutCoordinate(1e30) > 0);
+}
+
+void TestLayout::markup_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("markup");
+    const auto row = [](const char *text, const char *markup) {
+        QTest::newRow(text) << QString(text) << QString(markup);
+    };
+    row("AT&T", "AT&T");
+    row("A & B", "A & B");
+    row("A&", "A&");
+    row("<b>", "&lt;b&gt;");
+    row("a</span>b", "a&lt;/span&gt;b");
+    row("&lt;", "&amp;lt;");
+    row("&unknown;", "&amp;unknown;");
+    row("&copy 2026", "&amp;copy 2026");
+    row("Q&ampere", "Q&amp;ampere");
+    row("&#65", "&amp;#65");
+    row("#&#", "#&#");
+    row("a;b&c d;", "a;b&c d;");
+}
+
+void TestLayout::markup()
+{
+    QFETCH(QString, text);
+    QFETCH(QString, markup);
+    QCOMPARE(QString::fromStdString(pdf::markupText(text.toStdString())), markup);
+}
+
+void TestLayout::layoutFile()
+{
+    QCOMPARE(pdf::layoutFileText({}), std::string());
+    QCOMPARE(pdf::layoutFileText({{64, 118, 93, 15, "INV-0042"}, {3, 4, 5, 6, "left:9;top"}}),
+             std::string("<meta charset=\"utf-8\">"
+                         "<span style=\"left:64;top:118;width:93;height:15\">INV-0042</span>\n"
+                         "<span style=\"left:3;top:4;width:5;height:6\">left:9;top</span>\n"));
+}
+
+SENDRIVO_TEST_MAIN(TestLayout, QCoreApplication)
+#include "tst_layout.moc"
