@@ -47,7 +47,8 @@ bool AnnotationCopier::copyAnnotation(const Annotation &annotation, const Page &
     const bool isLink = original.getKey("/Subtype").isNameAndEquals("/Link");
     if (isLink && leadsNowhere && !copied.hasKey("/Dest") && !copied.hasKey("/A"))
         return false;
-    copied.replaceKey("/P", page.target);
+    if (original.hasKey("/P"))
+        copied.replaceKey("/P", page.target);
     if (original.getKey("/Subtype").isNameAndEquals("/Widget")) {
         if (page.isRepetition)
             FormFieldCopier::detach(copied);

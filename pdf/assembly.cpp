@@ -125,14 +125,20 @@ private:
         page.replaceKey("/Type", QPDFObjectHandle::newName("/Page"));
         for (const char *key : keys)
             page.replaceKey(key, copier.copy(original.getKey(key)));
-        for (const char *key : {"/MediaBox", "/CropBox", "/Rotate"})
-            page.replaceKey(key, copier.copy(inherited(entry, key)));
-        if (!page.getKey("/MediaBox").isRectangle())
+        copyBox(page, entry, "/MediaBox");
+        copyBox(page, entry, "/CropBox");
+        page.replaceKey("/Rotate", copier.copy(inherited(entry, "/Rotate")));
+        if (!page.hasKey("/MediaBox"))
             page.replaceKey("/MediaBox", QPDFObjectHandle::parse("[0 0 612 792]"));
-        if (!page.getKey("/CropBox").isRectangle())
-            page.removeKey("/CropBox");
         page.replaceKey("/Resources", copyResources(entry));
         return page;
+    }
+
+    void copyBox(QPDFObjectHandle &page, const PageEntry &entry, const char *key)
+    {
+        QPDFObjectHandle box = inherited(entry, key);
+        if (box.isRectangle())
+            page.replaceKey(key, copier.copy(box));
     }
 
     QPDFObjectHandle inherited(const PageEntry &entry, const char *key)

@@ -74,7 +74,7 @@ QPDFObjectHandle ObjectCopier::copyAsIndirect(const QPDFObjectHandle &value)
 
 QPDFObjectHandle ObjectCopier::placeholder()
 {
-    // Not a null: qpdf drops a dictionary's key when its value is one at that moment.
+    // Not a null: assigning a reference to null to a key removes the key.
     return target.makeIndirectObject(QPDFObjectHandle::newDictionary());
 }
 

@@ -1,0 +1,35 @@
+// SPDX-FileCopyrightText: 2026 The Sendrivo authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+/// Looks into PDF files object by object, through qpdf's object model.
+namespace pdfobjects {
+
+/// Every object of the file in PDF syntax, strings readable, and the decoded data of every stream:
+/// what is nowhere in here is not in the file.
+[[nodiscard]] QByteArray decoded(const QString &file);
+
+/// Objects of the file whose syntax contains the text.
+[[nodiscard]] int count(const QString &file, const QByteArray &text);
+
+/// What qpdf complains about in the file, one complaint a line; empty for a sound file.
+[[nodiscard]] QString complaints(const QString &file);
+
+/// The index (from 0) of the page that the first link of each page leads to, -1 where there is no
+/// such link, separated by blanks: "1 -1 0".
+[[nodiscard]] QString linkTargets(const QString &file);
+
+enum class Assembling { Allowed, Forbidden };
+
+/// The file encrypted with AES-256 and these passwords.
+[[nodiscard]] QByteArray encrypted(const QByteArray &pdf, const char *userPassword,
+                                   const char *ownerPassword, Assembling assembling);
+
+/// Whether the file is encrypted, opens without a password and forbids or allows assembling.
+[[nodiscard]] bool isEncryptedWith(const QString &file, Assembling assembling);
+
+} // namespace pdfobjects
