@@ -1,0 +1,385 @@
+// SPDX-FileCopyrightText: 2026 The Sendrivo authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "tests/support/pdfbuilder.h"
+#include "tests/support/pdfobjects.h"
+#include "tests/support/pdfreader.h"
+#include "tests/support/privatefolders.h"
+#include "tests/support/toolrunner.h"
+
+#include <QDir>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+/// The contract of the two command-line tools: exit codes, files they leave and files they must not
+/// leave, standard error.
+class TestTools : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void usage_data();
+    void usage();
+    void badInputs_data();
+    void badInputs();
+    void unwritableOutputs_data();
+    void unwritableOutputs();
+    void fullDisk();
+    void infoFile();
+    void layoutFiles_data();
+    void layoutFiles();
+    void imageShowsThePage();
+    void pageThatCannotBeReadIsGivenUpAlone();
+    void namesAreBytes();
+    void inputIsNeverOverwritten();
+    void killedToolLeavesNothing();
+};
+
+namespace {
+
+const QByteArray stale = "left by an earlier run";
+
+QByteArray threePages()
+{
+    return simplePdf({showText(20, 100, "one"), "", showText(20, 100, "three")});
+}
+
+QStringList arguments(const QString &line, const QString &folder)
+{
+    QStringList result = line.split(QLatin1Char(' '), Qt::SkipEmptyParts);
+    for (QString &argument : result)
+        argument.replace(QStringLiteral("@"), folder);
+    return result;
+}
+
+QStringList filesIn(const QString &folder)
+{
+    return QDir(folder).entryList(QDir::Files | QDir::Hidden, QDir::Name);
+}
+
+} // namespace
+
+void TestTools::usage_data()
+{
+    QTest::addColumn<QString>("tool");
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<int>("exitCode");
+    const auto row = [](const char *tool, const char *line, int exitCode) {
+        QTest::addRow("%s %s", tool, line) << QString(tool) << QString(line) << exitCode;
+    };
+    row("stavekit", "-help", 0);
+    row("stavekit", "-version", 0);
+    row("stavekit", "", 2);
+    row("stavekit", "@/in.pdf", 2);
+    row("stavekit", "@/in.pdf -getinfo", 2);
+    row("stavekit", "@/in.pdf -getinfo -outfile", 2);
+    row("stavekit", "@/in.pdf -getinfo 1 -outfile @/out", 2);
+    row("stavekit", "@/in.pdf -merge -outfile @/out", 2);
+    row("stavekit", "@/in.pdf -merge 1 -outfile @/out more", 2);
+    row("stavekit", "@/in.pdf -burst 1 -outfile @/out", 2);
+    row("stavekit", "@/in.pdf -merge 0 -outfile @/out", 2);
+    row("stavekit", "@/in.pdf -merge 1 4 -outfile @/out", 2);
+    row("stavekit", "@/in.pdf -merge 1 -outfile @/out", 0);
+    row("stavekit", "@/in.pdf -getinfo -outfile @/out", 0);
+    row("quillrend", "-help", 0);
+    row("quillrend", "-version", 0);
+    row("quillrend", "", 2);
+    row("quillrend", "-htmlformat", 2);
+    row("quillrend", "-htmlformat @/in.pdf", 2);
+    row("quillrend", "-htmlformat -x @/in.pdf @/out", 2);
+    row("quillrend", "-htmlformat -f @/in.pdf @/out", 2);
+    row("quillrend", "-htmlformat -f 0 @/in.pdf @/out", 2);
+    row("quillrend", "-htmlformat -f 4 @/in.pdf @/out", 2);
+    row("quillrend", "-htmlformat -f 3 -l 2 @/in.pdf @/out", 2);
+    row("quillrend", "-htmlformat -l 99 @/in.pdf @/out", 0);
+    row("quillrend", "-htmlformat -- @/in.pdf @/out", 0);
+}
+
+void TestTools::usage()
+{
+    QFETCH(QString, tool);
+    QFETCH(QString, line);
+    QFETCH(int, exitCode);
+    const QTemporaryDir folder;
+    writeFile(folder.filePath("in.pdf"), threePages());
+    const ToolResult result = runTool(tool, arguments(line, folder.path()));
+    QCOMPARE(result.exitCode, exitCode);
+    QCOMPARE(result.errors.count('\n'), exitCode == 0 ? 0 : 1);
+    if (line == QLatin1String("-help")) {
+        for (const char *code : {"  0  ", "  2  ", "  3  ", "  4  ", "  5  ", "  6  "})
+            QVERIFY2(result.output.contains(code), code);
+    }
+    if (line == QLatin1String("-version"))
+        QCOMPARE(result.output, tool.toUtf8() + " 2.0.0\n");
+    if (exitCode != 0)
+        QCOMPARE(filesIn(folder.path()), QStringList("in.pdf"));
+}
+
+void TestTools::badInputs_data()
+{
+    QTest::addColumn<QByteArray>("bytes"); // null: no such file
+    QTest::addColumn<int>("exitCode");
+    const QByteArray sound = threePages();
+    QTest::newRow("missing") << QByteArray() << 3;
+    QTest::newRow("empty") << QByteArray("") << 3;
+    QTest::newRow("text") << QByteArray("This is not a PDF file.\n") << 3;
+    QTest::newRow("header only") << QByteArray("%PDF-1.7\n") << 3;
+    QTest::newRow("objects without catalog")
+        << QByteArray("%PDF-1.7\n1 0 obj\n<< /A 1 >>\nendobj\ntrailer\n<< /Size 2 >>\n") << 3;
+    QTest::newRow("needs a password")
+        << pdfobjects::encrypted(sound, "user", "owner", pdfobjects::Assembling::Allowed) << 6;
+}
+
+void TestTools::badInputs()
+{
+    QFETCH(QByteArray, bytes);
+    QFETCH(int, exitCode);
+    const QTemporaryDir folder;
+    const QString input = folder.filePath("in.pdf");
+    if (!bytes.isNull())
+        writeFile(input, bytes);
+    const auto isOneLine = [&](const ToolResult &result) {
+        return result.errors.count('\n') == 1 && result.errors.contains(input.toUtf8());
+    };
+
+    writeFile(folder.filePath("out.pdf"), stale);
+    const ToolResult merged = mergePages(input, "1", folder.filePath("out.pdf"));
+    QCOMPARE(merged.exitCode, exitCode);
+    QVERIFY2(isOneLine(merged), merged.errors);
+    QVERIFY(!QFile::exists(folder.filePath("out.pdf")));
+
+    for (const int page : {1, 2, 3})
+        writeFile(layoutPath(folder.path(), page), stale);
+    const ToolResult converted = convertPages(input, folder.path());
+    QCOMPARE(converted.exitCode, exitCode);
+    QVERIFY2(isOneLine(converted), converted.errors);
+    for (const int page : {1, 2, 3})
+        QVERIFY(!QFile::exists(layoutPath(folder.path(), page)));
+
+    const QString info = folder.filePath("info.txt");
+    writeFile(info, stale);
+    const ToolResult described = runTool("stavekit", {input, "-getinfo", "-outfile", info});
+    QCOMPARE(described.exitCode, exitCode);
+    QVERIFY2(isOneLine(described), described.errors);
+    QVERIFY2(readFile(info).startsWith("NumberOfPages: \nError: "), readFile(info));
+    QCOMPARE(readFile(info).count('\n'), 2);
+}
+
+void TestTools::unwritableOutputs_data()
+{
+    QTest::addColumn<QString>("output");
+    QTest::newRow("no such folder") << "/missing/out.pdf";
+    QTest::newRow("name of a folder") << "/folder";
+    QTest::newRow("name too long") << QString("/" + QString(300, QLatin1Char('n')));
+    QTest::newRow("file as folder") << "/in.pdf/out.pdf";
+}
+
+void TestTools::unwritableOutputs()
+{
+    QFETCH(QString, output);
+    const QTemporaryDir folder;
+    writeFile(folder.filePath("in.pdf"), threePages());
+    QDir(folder.path()).mkdir("folder");
+    const QString input = folder.filePath("in.pdf");
+    for (const QStringList &work : {QStringList{input, "-merge", "1", "-outfile"},
+                                    QStringList{input, "-getinfo", "-outfile"}}) {
+        const ToolResult result = runTool("stavekit", work + QStringList(folder.path() + output));
+        QCOMPARE(result.exitCode, 5);
+        QCOMPARE(result.errors.count('\n'), 1);
+    }
+    if (output != QLatin1String("/folder")) {
+        const ToolResult result =
+            runTool("quillrend", {"-htmlformat", input, folder.path() + output + "x.xml"});
+        QCOMPARE(result.exitCode, 5);
+        QCOMPARE(result.errors.count('\n'), 1);
+    }
+    QCOMPARE(filesIn(folder.path()), QStringList("in.pdf"));
+}
+
+void TestTools::fullDisk()
+{
+    // A limit on the size of files fails in the same place as a full disk.
+    const QTemporaryDir folder;
+    const QString input = folder.filePath("in.pdf");
+    QByteArray text;
+    for (int i = 0; i < 400; ++i)
+        text += showText(20, 190 - i * 0.4, "line " + QByteArray::number(i), 5);
+    writeFile(input, simplePdf({text, text, text}));
+    rlimit before = {};
+    getrlimit(RLIMIT_FSIZE, &before);
+    rlimit small = before;
+    small.rlim_cur = 2000;
+    setrlimit(RLIMIT_FSIZE, &small);
+    const ToolResult merged = mergePages(input, "1-3", folder.filePath("out.pdf"));
+    const ToolResult converted = convertPages(input, folder.path());
+    setrlimit(RLIMIT_FSIZE, &before);
+    QCOMPARE(merged.exitCode, 5);
+    QCOMPARE(converted.exitCode, 5);
+    QCOMPARE(converted.errors.count('\n'), 1);
+    QCOMPARE(filesIn(folder.path()), QStringList("in.pdf"));
+}
+
+void TestTools::infoFile()
+{
+    PdfBuilder file;
+    const int root = file.reserve();
+    const int info = file.add("<< /Title (Line one\\nNumberOfPages: 99) /Author "
+                              "<FEFF00C4006D00FC> >>");
+    const int page = file.add("<< /Type /Page /Parent " + PdfBuilder::ref(root) +
+                              " /MediaBox [0 0 300 200] /Rotate 90 /UserUnit 2 >>");
+    file.define(root, "<< /Type /Pages /Kids " + PdfBuilder::refs({page, page}) + " /Count 2 >>");
+    const int catalog = file.add("<< /Type /Catalog /Pages " + PdfBuilder::ref(root) + " >>");
+    const QTemporaryDir folder;
+    const QString input = folder.filePath("in.pdf");
+    const QString output = folder.filePath("info.txt");
+    writeFile(input, file.bytes(catalog, "/Info " + PdfBuilder::ref(info)));
+    QCOMPARE(toolPageCount(input, output), 2);
+    QCOMPARE(QString::fromUtf8(readFile(output)),
+             QString::fromUtf8("NumberOfPages: 2\n"
+                               "PDFVersion: 1.7\n"
+                               "Encrypted: no\n"
+                               "Title: Line one NumberOfPages: 99\n"
+                               "Author: Ämü\n"
+                               "PageSize: 400.00 x 600.00\n"));
+}
+
+void TestTools::layoutFiles_data()
+{
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<QStringList>("texts"); // of the layout files in order, empty: empty file
+    QTest::addColumn<bool>("hasImages");
+    QTest::newRow("whole document") << QStringList() << QStringList{"one", "", "three"} << false;
+    QTest::newRow("one page") << QStringList{"-f", "3", "-l", "3"} << QStringList{"three"} << true;
+    QTest::newRow("from a page on") << QStringList{"-f", "2"} << QStringList{"", "three"} << true;
+    QTest::newRow("up to a page") << QStringList{"-l", "2"} << QStringList{"one", ""} << true;
+}
+
+void TestTools::layoutFiles()
+{
+    QFETCH(QStringList, options);
+    QFETCH(QStringList, texts);
+    QFETCH(bool, hasImages);
+    const QTemporaryDir folder;
+    writeFile(folder.filePath("in.pdf"), threePages());
+    // Of a longer document converted before, only the files of the new one's pages are replaced.
+    writeFile(layoutPath(folder.path(), 4), stale);
+    QCOMPARE(convertPages(folder.filePath("in.pdf"), folder.path(), options).exitCode, 0);
+    QStringList expected = {"in.pdf", "split_pg_0004.htm"};
+    for (int i = 0; i < texts.size(); ++i) {
+        const QString path = layoutPath(folder.path(), i + 1);
+        expected.append(QFileInfo(path).fileName());
+        if (hasImages)
+            expected.append(QFileInfo(path).completeBaseName() + ".png");
+        const QByteArray span = "<meta charset=\"utf-8\"><span style=\"left:27;top:121;width:";
+        QCOMPARE(readFile(path).startsWith(span), !texts[i].isEmpty());
+        QCOMPARE(readFile(path).endsWith(">" + texts[i].toUtf8() + "</span>\n"),
+                 !texts[i].isEmpty());
+        QCOMPARE(readFile(path).isEmpty(), texts[i].isEmpty());
+    }
+    expected.sort();
+    QCOMPARE(filesIn(folder.path()), expected);
+    QCOMPARE(readFile(layoutPath(folder.path(), 4)), stale);
+}
+
+void TestTools::imageShowsThePage()
+{
+    const QTemporaryDir folder;
+    const QString input = folder.filePath("in.pdf");
+    writeFile(input, simplePdf({showText(60, 100, "seen") + "1 0 0 rg 50 50 60 30 re f"},
+                               "/CropBox [30 20 200 150] /Rotate 90"));
+    QCOMPARE(convertPages(input, folder.path(), {"-f", "1", "-l", "1"}).exitCode, 0);
+    const QImage image(folder.filePath("split_pg_0001.png"));
+    QCOMPARE(image.convertToFormat(QImage::Format_RGB888), pdfreader::renderPage(input, 0, 96));
+    QCOMPARE(image.dotsPerMeterX(), 3780);
+}
+
+void TestTools::pageThatCannotBeReadIsGivenUpAlone()
+{
+    // Too large for an image.
+    const QTemporaryDir folder;
+    const QString input = folder.filePath("in.pdf");
+    QByteArray bytes = simplePdf({"", "", ""}, "/Filler 123456789");
+    bytes.replace(bytes.indexOf("/Filler", bytes.indexOf("/Filler") + 1), 17, "/UserUnit 1234567");
+    writeFile(input, bytes);
+    const ToolResult result = convertPages(input, folder.path(), {"-f", "1"});
+    QCOMPARE(result.exitCode, 4);
+    QCOMPARE(result.errors.count('\n'), 1);
+    QVERIFY2(result.errors.contains("page 2"), result.errors);
+    QVERIFY(QFile::exists(layoutPath(folder.path(), 1)));
+    QVERIFY(!QFile::exists(layoutPath(folder.path(), 2)));
+    QVERIFY(!QFile::exists(folder.filePath("split_pg_0002.png")));
+    QVERIFY(QFile::exists(layoutPath(folder.path(), 3)));
+}
+
+void TestTools::namesAreBytes()
+{
+    const QTemporaryDir folder;
+    for (const char *name : {"with blank.pdf", "quote\".pdf", "-dash.pdf", "no suffix",
+                             "\xC3\xA9\xE2\x82\xAC.pdf", "dots.in.name.pdf"}) {
+        const QString input = folder.filePath(QFile::decodeName(name));
+        writeFile(input, threePages());
+        const QString output = input + QStringLiteral(".out");
+        QCOMPARE(mergePages(input, "3", output).exitCode, 0);
+        QCOMPARE(pdfreader::pageTexts(output), QStringList("three"));
+        QCOMPARE(runTool("quillrend", {"-htmlformat", input, output}).exitCode, 0);
+        QVERIFY(QFile::exists(input + "_pg_0001.htm"));
+    }
+    // No file name in UTF-8, written through the shell because QString cannot hold it.
+    const QString script =
+        "in=$(printf 'in\\377.pdf') out=$(printf 'out\\377.pdf'); cp in.pdf $in && "
+        "\"$1\" $in -merge 1 -outfile $out && test -s $out && rm $in $out";
+    writeFile(folder.filePath("in.pdf"), threePages());
+    QProcess shell;
+    shell.setWorkingDirectory(folder.path());
+    shell.start("sh", {"-c", script, "sh",
+                       QCoreApplication::applicationDirPath() + QStringLiteral("/stavekit")});
+    QVERIFY(shell.waitForFinished());
+    QCOMPARE(shell.exitCode(), 0);
+}
+
+void TestTools::inputIsNeverOverwritten()
+{
+    const QTemporaryDir folder;
+    const QString input = folder.filePath("split_pg_0001.htm");
+    const QString link = folder.filePath("link.pdf");
+    writeFile(input, threePages());
+    QVERIFY(QFile::link(input, link));
+    for (const QString &output : {input, link}) {
+        QCOMPARE(mergePages(input, "1", output).exitCode, 2);
+        QCOMPARE(runTool("stavekit", {input, "-getinfo", "-outfile", output}).exitCode, 2);
+    }
+    QCOMPARE(convertPages(input, folder.path()).exitCode, 2);
+    QCOMPARE(readFile(input), threePages());
+}
+
+void TestTools::killedToolLeavesNothing()
+{
+    const QTemporaryDir folder;
+    const QString input = folder.filePath("in.pdf");
+    QByteArrayList contents;
+    for (int i = 0; i < 2000; ++i)
+        contents.append(showText(20, 100, "page " + QByteArray::number(i)));
+    writeFile(input, simplePdf(contents));
+    const QString output = folder.filePath("out.pdf");
+    for (int delay = 0; delay < 40; delay += 2) {
+        QProcess process;
+        process.start(QCoreApplication::applicationDirPath() + "/stavekit",
+                      {input, "-merge", "1-2000", "-outfile", output});
+        QVERIFY(process.waitForStarted());
+        process.waitForFinished(delay);
+        process.kill();
+        process.waitForFinished();
+        if (QFile::exists(output)) {
+            QCOMPARE(pdfreader::pageCount(output), 2000);
+            QFile::remove(output);
+        }
+        QCOMPARE(filesIn(folder.path()), QStringList("in.pdf"));
+    }
+}
+
+SENDRIVO_TEST_MAIN(TestTools, QCoreApplication)
+#include "tst_tools.moc"
