@@ -3,26 +3,36 @@
 
 #include "pdf/objectpeek.h"
 
+#include <array>
 #include <climits>
 
 namespace pdf {
 
 namespace {
 
-bool isBlank(char c)
+enum class CharacterClass : unsigned char { Regular, Blank, Delimiter };
+
+/// The class of each byte (ISO 32000-1, 7.2.2).
+constexpr std::array<CharacterClass, 256> makeClasses()
 {
-    return c == ' ' || c == '\n' || c == '\r' || c == '\t' || c == '\f' || c == '\0';
+    std::array<CharacterClass, 256> classes = {};
+    for (const char c : {' ', '\n', '\r', '\t', '\f', '\0'})
+        classes[static_cast<unsigned char>(c)] = CharacterClass::Blank;
+    for (const char c : {'(', ')', '<', '>', '[', ']', '{', '}', '/', '%'})
+        classes[static_cast<unsigned char>(c)] = CharacterClass::Delimiter;
+    return classes;
 }
 
-bool isDelimiter(char c)
+constexpr std::array<CharacterClass, 256> classes = makeClasses();
+
+inline bool isBlank(char c)
 {
-    return c == '(' || c == ')' || c == '<' || c == '>' || c == '[' || c == ']' || c == '{' ||
-           c == '}' || c == '/' || c == '%';
+    return classes[static_cast<unsigned char>(c)] == CharacterClass::Blank;
 }
 
-bool isRegular(char c)
+inline bool isRegular(char c)
 {
-    return !isBlank(c) && !isDelimiter(c);
+    return classes[static_cast<unsigned char>(c)] == CharacterClass::Regular;
 }
 
 /// A reader of PDF syntax (ISO 32000-1, 7.2 and 7.3) that skips values. Every function gives false
@@ -34,15 +44,13 @@ public:
 
     void skipBlanks()
     {
-        while (pos < in.size()) {
-            if (in[pos] == '%') {
-                while (pos < in.size() && in[pos] != '\n' && in[pos] != '\r')
-                    ++pos;
-            } else if (isBlank(in[pos])) {
+        for (;;) {
+            while (pos < in.size() && isBlank(in[pos]))
                 ++pos;
-            } else {
+            if (pos >= in.size() || in[pos] != '%')
                 return;
-            }
+            while (pos < in.size() && in[pos] != '\n' && in[pos] != '\r')
+                ++pos;
         }
     }
 
@@ -64,9 +72,8 @@ public:
     {
         if (pos >= in.size() || in[pos] != '/')
             return false;
-        const std::size_t start = ++pos;
-        while (pos < in.size() && isRegular(in[pos]))
-            ++pos;
+        const std::size_t start = pos + 1;
+        skipRegular(start);
         result = in.substr(start, pos - start);
         // "/P#61ges" is a spelling of "/Pages": left to qpdf.
         return result.find('#') == std::string_view::npos;
@@ -114,49 +121,65 @@ public:
             skipBlanks();
             if (pos >= in.size())
                 return false;
-            if (accept("<<") || accept("[")) {
-                ++depth;
-            } else if (accept(">>") || accept("]")) {
-                if (--depth < 0)
-                    return false;
-            } else if (!skipSimple()) {
+            // Inside brackets a reference is as good as three values.
+            if (isRegular(in[pos]) && depth > 0)
+                skipRegular(pos);
+            else if (isRegular(in[pos]))
+                skipNumberOrReference();
+            else if (!skipDelimited(depth))
                 return false;
-            }
         } while (depth > 0);
         return true;
     }
 
 private:
-    bool skipSimple()
+    /// A string or a name, or one bracket, which changes the depth.
+    bool skipDelimited(int &depth)
     {
-        const char c = in[pos];
-        if (c == '(')
+        switch (in[pos]) {
+        case '(':
             return skipString();
-        if (c == '<') {
-            pos = in.find('>', pos);
-            return pos != std::string_view::npos && ++pos <= in.size();
-        }
-        if (c == '/') {
-            ++pos;
-            while (pos < in.size() && isRegular(in[pos]))
-                ++pos;
+        case '/':
+            skipRegular(pos + 1);
             return true;
+        case '[':
+            ++depth;
+            ++pos;
+            return true;
+        case ']':
+            ++pos;
+            return --depth >= 0;
+        case '<':
+            if (!accept("<<"))
+                return skipHexString();
+            ++depth;
+            return true;
+        default:
+            return accept(">>") && --depth >= 0;
         }
-        if (!isRegular(c))
-            return false;
-        skipNumberOrReference();
-        return true;
+    }
+
+    void skipRegular(std::size_t from)
+    {
+        pos = from;
+        while (pos < in.size() && isRegular(in[pos]))
+            ++pos;
+    }
+
+    bool skipHexString()
+    {
+        const std::size_t end = in.find('>', pos);
+        pos = end + 1;
+        return end != std::string_view::npos;
     }
 
     void skipNumberOrReference()
     {
         const std::size_t start = pos;
         QPDFObjGen unused;
-        if (reference(unused))
-            return;
-        pos = start;
-        while (pos < in.size() && isRegular(in[pos]))
-            ++pos;
+        const bool isNumber = in[pos] >= '0' && in[pos] <= '9';
+        if (!isNumber || !reference(unused))
+            skipRegular(start);
     }
 
     bool skipString()
