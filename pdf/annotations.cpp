@@ -51,7 +51,7 @@ bool AnnotationCopier::copyAnnotation(const Annotation &annotation, const Page &
         copied.replaceKey("/P", page.target);
     if (original.getKey("/Subtype").isNameAndEquals("/Widget")) {
         if (page.isRepetition)
-            FormFieldCopier::detach(copied);
+            FormFieldCopier::makePicture(copied);
         else
             fields.attach(original, copied, annotation.copied);
     }
@@ -60,7 +60,7 @@ bool AnnotationCopier::copyAnnotation(const Annotation &annotation, const Page &
 }
 
 void AnnotationCopier::copyEntry(QPDFObjectHandle &copied, const std::string &key,
-                                 QPDFObjectHandle value)
+                                 const QPDFObjectHandle &value)
 {
     // /Kids occurs where a form field and its only widget share a dictionary, and is void there.
     if (key == "/P" || key == "/StructParent" || key == "/Kids")

@@ -44,7 +44,7 @@ private:
     };
 
     bool copyAnnotation(const Annotation &annotation, const Page &page);
-    void copyEntry(QPDFObjectHandle &copied, const std::string &key, QPDFObjectHandle value);
+    void copyEntry(QPDFObjectHandle &copied, const std::string &key, const QPDFObjectHandle &value);
 
     ObjectCopier &copier;
     DestinationCopier &destinations;

@@ -10,15 +10,22 @@ namespace {
 /// Field hierarchies are a few levels deep; a damaged one can be a loop.
 constexpr int maximalFieldDepth = 64;
 
-bool isSignature(QPDFObjectHandle field)
+/// The value of a field's attribute, which it may inherit (ISO 32000-1, 12.7.3.1).
+QPDFObjectHandle fieldAttribute(QPDFObjectHandle field, const char *key)
 {
     for (int level = 0; field.isDictionary() && level < maximalFieldDepth; ++level) {
-        QPDFObjectHandle type = field.getKey("/FT");
-        if (type.isName())
-            return type.getName() == "/Sig";
+        QPDFObjectHandle value = field.getKey(key);
+        if (!value.isNull())
+            return value;
         field = field.getKey("/Parent");
     }
-    return false;
+    return QPDFObjectHandle::newNull();
+}
+
+bool isSigned(const QPDFObjectHandle &field)
+{
+    return fieldAttribute(field, "/FT").isNameAndEquals("/Sig") &&
+           !fieldAttribute(field, "/V").isNull();
 }
 
 bool isField(QPDFObjectHandle dictionary)
@@ -38,11 +45,9 @@ FormFieldCopier::FormFieldCopier(ObjectCopier &objectCopier)
 void FormFieldCopier::attach(QPDFObjectHandle original, QPDFObjectHandle widget,
                              const QPDFObjectHandle &reference)
 {
-    if (!sourceForm.isDictionary())
+    if (isSigned(original)) {
+        makePicture(widget);
         return;
-    if (isSignature(original)) {
-        widget.removeKey("/V");
-        widget.removeKey("/Lock");
     }
     widget.removeKey("/Parent");
     QPDFObjectHandle lower = widget;
@@ -72,11 +77,8 @@ FormFieldCopier::Ancestor FormFieldCopier::ancestor(QPDFObjectHandle original)
     if (known.isDictionary() && known.hasKey("/Kids"))
         return {known, false};
     QPDFObjectHandle copied = QPDFObjectHandle::newDictionary();
-    const bool isVoidSignature = isSignature(original);
     for (const auto &[key, value] : original.getDictAsMap()) {
-        const bool isLink = key == "/Kids" || key == "/Parent" || key == "/P";
-        const bool isVoid = isVoidSignature && (key == "/V" || key == "/Lock");
-        if (!isLink && !isVoid)
+        if (key != "/Kids" && key != "/Parent" && key != "/P")
             copied.replaceKey(key, copier.copy(value));
     }
     copied.replaceKey("/Kids", QPDFObjectHandle::newArray());
@@ -85,10 +87,15 @@ FormFieldCopier::Ancestor FormFieldCopier::ancestor(QPDFObjectHandle original)
     return {reference, true};
 }
 
-void FormFieldCopier::detach(QPDFObjectHandle widget)
+void FormFieldCopier::makePicture(QPDFObjectHandle widget)
 {
-    for (const char *key : {"/Parent", "/T", "/TM", "/TU", "/A", "/AA"})
+    // A stamp is what shows an appearance and nothing else.
+    static const char *const fieldKeys[] = {"/Parent", "/FT", "/T",  "/TU",   "/TM",     "/Ff",
+                                            "/V",      "/DV", "/AA", "/Lock", "/MaxLen", "/Opt",
+                                            "/A",      "/MK", "/SV", "/H",    "/TI",     "/I"};
+    for (const char *key : fieldKeys)
         widget.removeKey(key);
+    widget.replaceKey("/Subtype", QPDFObjectHandle::newName("/Stamp"));
 }
 
 QPDFObjectHandle FormFieldCopier::calculationOrder()
@@ -107,7 +114,7 @@ QPDFObjectHandle FormFieldCopier::calculationOrder()
 
 QPDFObjectHandle FormFieldCopier::formDictionary()
 {
-    if (rootFields.getArrayNItems() == 0)
+    if (!sourceForm.isDictionary() || rootFields.getArrayNItems() == 0)
         return QPDFObjectHandle::newNull();
     QPDFObjectHandle form = QPDFObjectHandle::newDictionary();
     for (const char *key : {"/DR", "/DA", "/Q", "/NeedAppearances"})

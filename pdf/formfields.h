@@ -11,7 +11,8 @@ namespace pdf {
 
 /// Copies the form fields (ISO 32000-1, 12.7) whose widgets are on the copied pages, with the
 /// fields above them in the hierarchy; of a field's widgets only those on the copied pages.
-/// Signatures lose their value, which is void in a part of the document, and keep what is seen.
+/// Signatures, void in a part of the document, become pictures of themselves: without its value a
+/// signature field would show as one still to be signed.
 class FormFieldCopier
 {
 public:
@@ -21,9 +22,9 @@ public:
     /// still to be put at the place of reference.
     void attach(QPDFObjectHandle original, QPDFObjectHandle widget,
                 const QPDFObjectHandle &reference);
-    /// Makes the copied widget a picture of its field, for a page that is written a second time:
-    /// two fields of one name would be one field.
-    static void detach(QPDFObjectHandle widget);
+    /// Makes the copied widget a mere picture of what it shows, for a page that is written a second
+    /// time: two fields of one name would be one field.
+    static void makePicture(QPDFObjectHandle widget);
     /// The value of the catalog's /AcroForm, null when no field was copied. To be called when all
     /// widgets are attached.
     [[nodiscard]] QPDFObjectHandle formDictionary();

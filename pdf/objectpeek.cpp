@@ -247,7 +247,7 @@ std::optional<PeekedNode> peekIndirectObject(std::string_view file, std::size_t 
     if (!scanner.number(number) || !scanner.number(generation) || !scanner.keyword("obj") ||
         QPDFObjGen(number, generation) != object)
         return std::nullopt;
-    const std::optional<PeekedNode> node = peekDictionary(scanner);
+    std::optional<PeekedNode> node = peekDictionary(scanner);
     if (!node || !scanner.keyword("endobj"))
         return std::nullopt;
     return node;

@@ -59,7 +59,7 @@ class TreeWalk
 public:
     TreeWalk(QPDF &document, std::string_view file) : pdf(document), source(document, file) {}
 
-    PageList run(QPDFObjectHandle root)
+    PageList run(const QPDFObjectHandle &root)
     {
         enterIndirect(root, QPDFObjGen());
         while (!levels.empty()) {
@@ -115,7 +115,7 @@ private:
         }
     }
 
-    void visitHandle(QPDFObjectHandle object, QPDFObjGen parent)
+    void visitHandle(const QPDFObjectHandle &object, QPDFObjGen parent)
     {
         if (object.isIndirect() && source.peek(object.getObjGen()))
             visitReference(object.getObjGen(), parent);

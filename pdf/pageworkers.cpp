@@ -84,7 +84,8 @@ public:
     void restore() { ::sigprocmask(SIG_SETMASK, &before, nullptr); }
     void wait() const
     {
-        const timespec timeout{0, 200 * 1000 * 1000};
+        constexpr long milliseconds = 200;
+        const timespec timeout{0, milliseconds * 1000 * 1000};
         ::sigtimedwait(&set, nullptr, &timeout);
     }
 

@@ -110,6 +110,36 @@ private:
     QList<int> beads;
 };
 
+/// A page with a signed signature field, and a radio button whose field says which one is on.
+QByteArray withFields()
+{
+    PdfBuilder file;
+    const auto look = [&file](const QByteArray &color) {
+        return PdfBuilder::ref(file.addStream(color + " rg 0 0 40 40 re f",
+                                              "/Type /XObject /Subtype /Form /BBox [0 0 40 40]"));
+    };
+    const int value = file.add("<< /Type /Sig /Filter /Adobe.PPKLite /Contents <00> >>");
+    const int signature =
+        file.add("<< /Type /Annot /Subtype /Widget /FT /Sig /T (signed) /F 4 /Rect [20 20 60 60] "
+                 "/V " +
+                 PdfBuilder::ref(value) + " /AP << /N " + look("1 0 0") + " >> >>");
+    const int group = file.reserve();
+    const int button =
+        file.add("<< /Type /Annot /Subtype /Widget /F 4 /Rect [80 20 120 60] /AS /On /Parent " +
+                 PdfBuilder::ref(group) + " /AP << /N << /On " + look("0 1 0") + " /Off " +
+                 look("0 0 1") + " >> >> >>");
+    file.define(group, "<< /FT /Btn /Ff 49152 /T (choice) /V /On /Kids [" +
+                           PdfBuilder::ref(button) + "] >>");
+    const int root = file.reserve();
+    const int page = file.add("<< /Type /Page /Parent " + PdfBuilder::ref(root) +
+                              " /MediaBox [0 0 300 200] /Annots " +
+                              PdfBuilder::refs({signature, button}) + " >>");
+    file.define(root, "<< /Type /Pages /Kids [" + PdfBuilder::ref(page) + "] /Count 1 >>");
+    return file.bytes(file.add("<< /Type /Catalog /Pages " + PdfBuilder::ref(root) +
+                               " /AcroForm << /SigFlags 3 /Fields " +
+                               PdfBuilder::refs({signature, group}) + " >> >>"));
+}
+
 /// Page trees that hand attributes down, one page each.
 QByteArray inheriting(const QByteArray &nodeEntries, const QByteArray &pageEntries)
 {
@@ -254,6 +284,7 @@ void TestMerge::pagesLookTheSame_data()
     QTest::newRow("media box from a node") << inheriting("/MediaBox [0 0 120 120]", "");
     QTest::newRow("user unit") << inheriting("", "/UserUnit 1.5");
     QTest::newRow("all attributes by reference") << allByReference();
+    QTest::newRow("signature and form field") << withFields();
     QTest::newRow("hidden layer stays hidden") << layered();
 }
 
