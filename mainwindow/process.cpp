@@ -6,6 +6,7 @@
 #include "mainwindow/progresspane.h"
 #include "mainwindow/sortonclick.h"
 #include "options/opdialog.h"
+#include "resources/lightground.h"
 #include "rules/rules.h"
 #include "ui_process.h"
 
@@ -14,7 +15,6 @@
 #include <QGuiApplication>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
-#include <QPixmap>
 #include <QProcess>
 #include <QScreen>
 #include <QTimer>
@@ -96,12 +96,7 @@ void Process::setUpTable()
 
 void Process::setUpBackground()
 {
-    setAutoFillBackground(true);
-    QPalette colours = palette();
-    const QPixmap background(QStringLiteral(":/iconoption/icons/stock-ved.jpg"));
-    colours.setBrush(QPalette::Window,
-                     background.scaled(size(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
-    setPalette(colours);
+    setPictureGround(this, QStringLiteral(":/iconoption/icons/stock-ved.jpg"));
 }
 
 void Process::setabout()

@@ -47,11 +47,14 @@ void setOwnColours(QWidget *widget)
 void setLightColours(QWidget *widget)
 {
     setOwnColours(widget);
-    // A widget under a style sheet does not take over its parent's palette.
+    // A widget under a style sheet does not take over its parent's palette; and unless the style
+    // sheet is in force already, the widget goes back to its former palette when it is first shown.
     const auto children = widget->findChildren<QWidget *>();
     for (QWidget *child : children) {
-        if (hasStyleSheet(child))
+        if (hasStyleSheet(child)) {
+            child->ensurePolished();
             setOwnColours(child);
+        }
     }
 }
 

@@ -3,15 +3,18 @@
 
 #include "about/aboutdialog.h"
 #include "about/addresses.h"
+#include "mainwindow/process.h"
 #include "resources/lightground.h"
 #include "tests/support/privatefolders.h"
 
 #include <QApplication>
 #include <QDesktopServices>
+#include <QHeaderView>
 #include <QImageReader>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QTableWidget>
 #include <QTest>
 #include <QUrl>
 
@@ -112,7 +115,12 @@ void AboutDialogTest::readableOnDarkDesktop()
     }
     setPictureGround(&window, ":/iconoption/icons/stock-ved.jpg");
     const QImage picture = window.grab().toImage();
+    Process mainWindow;
+    mainWindow.show();
+    const auto *table = mainWindow.findChild<QTableWidget *>("inputfiletableWidget");
+    const QColor header = table->verticalHeader()->palette().color(QPalette::Window);
     QApplication::setPalette(QPalette());
+    QVERIFY(header.lightness() > 200); // it has a style sheet of its own
     for (int band = 0; band < top; band += 40) {
         // Text is the dark minority on a light ground.
         int dark = 0;
