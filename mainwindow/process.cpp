@@ -8,10 +8,10 @@
 #include "options/opdialog.h"
 #include "resources/lightground.h"
 #include "rules/rules.h"
+#include "split/toollog.h"
 #include "ui_process.h"
 
 #include <QAction>
-#include <QDebug>
 #include <QGuiApplication>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
@@ -144,9 +144,7 @@ void Process::startTool(const QString &command, void (Process::*next)())
 {
     auto *tool = new QProcess(this);
     const auto goOn = [this, tool, next] {
-        const QString complaint = QString::fromLocal8Bit(tool->readAllStandardError()).trimmed();
-        if (!complaint.isEmpty())
-            qWarning().noquote() << complaint;
+        logComplaints(*tool);
         tool->deleteLater();
         (this->*next)();
     };
@@ -155,11 +153,9 @@ void Process::startTool(const QString &command, void (Process::*next)())
     // make the steps of a long batch call each other deeper and deeper.
     connect(
         tool, &QProcess::errorOccurred, this,
-        [tool, goOn](QProcess::ProcessError error) {
-            if (error != QProcess::FailedToStart)
-                return;
-            qWarning().noquote() << tool->program() + QLatin1String(": ") + tool->errorString();
-            goOn();
+        [goOn](QProcess::ProcessError error) {
+            if (error == QProcess::FailedToStart)
+                goOn();
         },
         Qt::QueuedConnection);
     tool->startCommand(command, QIODevice::ReadWrite);
