@@ -5,6 +5,8 @@
 
 #include <QSettings>
 
+#include <algorithm>
+
 namespace {
 
 const QLatin1String flagGroup("zeph");
@@ -15,9 +17,19 @@ QString flagKey(const QString &name)
     return flagGroup + QLatin1Char('/') + name;
 }
 
+/// The group of a rule: its name. But the settings library reads a section "general", in whatever
+/// case it was written, back as "General".
+QString groupOf(const QString &name)
+{
+    const QLatin1String general("General");
+    const bool isGeneral =
+        name.section(QLatin1Char('/'), 0, 0).compare(general, Qt::CaseInsensitive) == 0;
+    return isGeneral ? general + name.mid(general.size()) : name;
+}
+
 QString ruleKey(const QString &name, QLatin1String key)
 {
-    return name + QLatin1Char('/') + key;
+    return groupOf(name) + QLatin1Char('/') + key;
 }
 
 } // namespace
@@ -25,14 +37,23 @@ QString ruleKey(const QString &name, QLatin1String key)
 QStringList ruleNames(QSettings &settings)
 {
     settings.beginGroup(flagGroup);
-    const QStringList names = settings.childKeys();
+    QStringList names = settings.childKeys();
     settings.endGroup();
     return names;
 }
 
 bool isRuleNameTaken(const QSettings &settings, const QString &name)
 {
-    return settings.value(flagKey(name), QStringLiteral("0")).toString() == QLatin1String("1");
+    const auto isFlagged = [&settings](const QString &key) {
+        return settings.value(key, QStringLiteral("0")).toString() == QLatin1String("1");
+    };
+    if (isFlagged(flagKey(name)))
+        return true;
+    const QStringList keys = settings.allKeys();
+    return std::any_of(keys.cbegin(), keys.cend(), [&](const QString &key) {
+        return key.startsWith(flagKey(QString())) && isFlagged(key) &&
+               groupOf(key.mid(flagKey(QString()).size())) == groupOf(name);
+    });
 }
 
 Subtext readRule(const QSettings &settings, const QString &name)

@@ -21,6 +21,7 @@ class QSettings;
 [[nodiscard]] QStringList ruleNames(QSettings &settings);
 
 /// Whether `name` belongs to a stored rule. A name flagged with anything but "1" counts as free.
+/// "general" is taken once "General" is: the settings library keeps no such groups apart.
 [[nodiscard]] bool isRuleNameTaken(const QSettings &settings, const QString &name);
 
 /// The rectangle and text stored under `name`; missing or unreadable numbers are 0.

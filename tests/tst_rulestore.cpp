@@ -1,0 +1,230 @@
+// SPDX-FileCopyrightText: 2026 The Sendrivo authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "rules/rulestore.h"
+#include "rules/settingsfile.h"
+#include "tests/support/privatefolders.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QProcess>
+#include <QSettings>
+#include <QTest>
+
+#include <memory>
+#include <vector>
+
+namespace {
+
+void save(const QString &name, const Subtext &fragment)
+{
+    QSettings settings(settingsFileName(), QSettings::IniFormat);
+    saveRule(settings, name, fragment);
+}
+
+/// The settings file as a program sees it that starts now. The settings library remembers what it
+/// has written to a file, so only a copy shows what really went through the file.
+class Restarted
+{
+public:
+    Restarted()
+    {
+        QFile::remove(copyName);
+        QFile::copy(settingsFileName(), copyName);
+        settings = std::make_unique<QSettings>(copyName, QSettings::IniFormat);
+    }
+    QSettings &operator*() const { return *settings; }
+
+private:
+    QString copyName = QStringLiteral("copy.ini");
+    std::unique_ptr<QSettings> settings;
+};
+
+/// Saves `count` rules "PREFIX 0", "PREFIX 1", ..., each with settings opened anew, as windows do.
+int saveMany(const QString &prefix, int count)
+{
+    for (int k = 0; k < count; ++k)
+        save(QStringLiteral("%1 %2").arg(prefix).arg(k), {k + 1, k + 2, 3, 4, prefix});
+    return 0;
+}
+
+} // namespace
+
+class TestRuleStore : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void cleanup() { QFile::remove(settingsFileName()); }
+
+    void everyNameSurvives_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<bool>("isListed");
+        const auto row = [](const char *name, bool isListed = true) {
+            QTest::newRow(name) << QString::fromUtf8(name) << isListed;
+        };
+        row("Invoice No");
+        row(" blanks around ");
+        row("   ");
+        row("Rechnungs-Nr. für Ärzte");
+        row("发票号 №7 🧾");
+        row("فاتورة");
+        row("100%");
+        row("%41%20");
+        row("a=b");
+        row("a;b #c");
+        row("[group]");
+        row("back\\slash");
+        row("\"quoted\"");
+        row("@ByteArray(x)");
+        row("General");
+        row("general");
+        row("file");
+        row("currule");
+        row("zeph");
+        // Keys of a sub-group: the rule works, but the list of names shows only direct keys.
+        row("2024/May", false);
+        row("[/", false);
+        row("GENERAL/1", false);
+        row("/", false);
+    }
+    void everyNameSurvives()
+    {
+        QFETCH(QString, name);
+        QFETCH(bool, isListed);
+        {
+            QSettings settings(settingsFileName(), QSettings::IniFormat);
+            settings.setValue("file/file", "sample.pdf");
+        }
+        save("first", {1, 2, 3, 4, "one"});
+        save(name, {64, 118, 93, 15, "INV-0042"});
+        const Restarted after;
+        QVERIFY(isRuleNameTaken(*after, name));
+        QVERIFY(!isRuleNameTaken(*after, name + "x"));
+        QCOMPARE(ruleNames(*after).contains(name), isListed);
+        QCOMPARE(currentRuleName(*after), name);
+        const Subtext rule = readRule(*after, name);
+        QCOMPARE(QList<int>({rule.left, rule.top, rule.width, rule.height}),
+                 QList<int>({64, 118, 93, 15}));
+        QCOMPARE(rule.text, QStringLiteral("INV-0042"));
+        QCOMPARE(readRule(*after, "first").text, QStringLiteral("one"));
+        QCOMPARE((*after).value("file/file").toString(), QStringLiteral("sample.pdf"));
+    }
+
+    void namesThatWouldShareAGroup()
+    {
+        save("general", {1, 2, 3, 4, "one"});
+        const Restarted after;
+        for (const char *name : {"general", "General", "GENERAL"})
+            QVERIFY2(isRuleNameTaken(*after, name), name);
+        for (const char *name : {"General 2", "zeph", "Eneral"})
+            QVERIFY2(!isRuleNameTaken(*after, name), name);
+    }
+
+    void everyTextSurvives_data()
+    {
+        QTest::addColumn<QString>("text");
+        for (const char *text : {"",
+                                 " ",
+                                 "  two blanks  ",
+                                 "say \"hi\"",
+                                 "\"",
+                                 "a, b,",
+                                 ",",
+                                 "a; b",
+                                 "; comment",
+                                 "k=v",
+                                 "back\\slash\\",
+                                 "\\n",
+                                 "\\x41",
+                                 "%41",
+                                 "@Invalid()",
+                                 "@@",
+                                 "line\nbreak\r\n",
+                                 "tab\tform\fbell\a",
+                                 "\x7f\x01"
+                                 "1",
+                                 "&amp;<b>",
+                                 "Größe 7 µm",
+                                 "发票 🧾 42",
+                                 "عدد 5",
+                                 "NEL\u0085LS\u2028PS\u2029BOM\uFEFFend"})
+            QTest::newRow(*text ? text : "empty") << QString::fromUtf8(text);
+    }
+    void everyTextSurvives()
+    {
+        QFETCH(QString, text);
+        save("rule", {1, 2, 3, 4, text});
+        save("other", {5, 6, 7, 8, "other"});
+        const Restarted after;
+        QCOMPARE(readRule(*after, "rule").text, text);
+        QCOMPARE(readRule(*after, "rule").height, 4);
+        QCOMPARE(readRule(*after, "other").text, QStringLiteral("other"));
+    }
+
+    /// What Qt 4 wrote: no byte above 127; characters as \xNN, in keys as %NN or %UNNNN.
+    void fileOfAnOlderQt()
+    {
+        QFile file(settingsFileName());
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("[zeph]\nInvoice%20No=1\nGr%F6%DFe=1\n%U53D1%U7968=1\nold=0\n\n"
+                   "[currule]\nrule=Gr\\xf6\\xdf\\x65\n\n"
+                   "[Gr%F6%DFe]\nxpos=64\nypos=118\nwid=93\nhei=15\ntext=\"M\\xfcller, "
+                   "\\x53d1\\x7968\"\n\n"
+                   "[%U53D1%U7968]\nxpos=7\nypos=x\n\n");
+        file.close();
+        const Restarted now;
+        const QString size = QString::fromUtf8("Größe");
+        const QString chinese = QString::fromUtf8("发票");
+        QCOMPARE(ruleNames(*now).size(), 4);
+        QVERIFY(ruleNames(*now).contains(size) && ruleNames(*now).contains(chinese));
+        QCOMPARE(currentRuleName(*now), size);
+        QCOMPARE(readRule(*now, size).text, QString::fromUtf8("Müller, 发票"));
+        QCOMPARE(readRule(*now, size).left, 64);
+        QCOMPARE(readRule(*now, chinese).left, 7);
+        QCOMPARE(readRule(*now, chinese).top, 0);
+        QVERIFY(isRuleNameTaken(*now, "Invoice No") && !isRuleNameTaken(*now, "old"));
+    }
+
+    void windowsThatSaveAtTheSameTime()
+    {
+        constexpr int perWindow = 40;
+        // As the main window keeps them while its rule editor is open.
+        QSettings settings(settingsFileName(), QSettings::IniFormat);
+        settings.setValue("file/page", "1");
+        std::vector<std::unique_ptr<QProcess>> windows;
+        for (const char *prefix : {"a", "b", "c"}) {
+            windows.push_back(std::make_unique<QProcess>());
+            windows.back()->start(QCoreApplication::applicationFilePath(),
+                                  {"save-many", prefix, QString::number(perWindow)});
+        }
+        saveMany("own", perWindow);
+        for (const auto &window : windows) {
+            QVERIFY(window->waitForFinished(60000));
+            QCOMPARE(window->exitCode(), 0);
+        }
+        const Restarted after;
+        QCOMPARE(ruleNames(*after).size(), 4 * perWindow);
+        for (const char *prefix : {"a", "b", "c", "own"}) {
+            const Subtext last = readRule(*after, QStringLiteral("%1 39").arg(prefix));
+            QCOMPARE(last.left, 40);
+            QCOMPARE(last.text, QLatin1String(prefix));
+        }
+    }
+};
+
+/// The test starts itself as further windows, which share its working folder.
+int main(int argc, char *argv[])
+{
+    if (argc == 4 && qstrcmp(argv[1], "save-many") == 0) {
+        const QCoreApplication window(argc, argv);
+        return saveMany(argv[2], QString(argv[3]).toInt());
+    }
+    const PrivateFolders folders;
+    QCoreApplication application(argc, argv);
+    TestRuleStore test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_rulestore.moc"
