@@ -40,14 +40,35 @@ QString pageCountCommand(const QString &appFolder, const QString &input)
 QString layoutCommand(const QString &appFolder, const QString &temporaryFolder,
                       const QString &input)
 {
-    return quotedTool(appFolder, QLatin1String("quillrend")) + QLatin1String(" -htmlformat ") +
-           quotedPath(input) + QLatin1Char(' ') +
-           quotedPath(temporaryFolder + QLatin1String("/split.xml"));
+    return previewCommand(appFolder, input, 0, temporaryFolder + QLatin1String("/split.xml"));
 }
 
 QString layoutFile(const QString &temporaryFolder, int page)
 {
     return temporaryFolder + QString::asprintf("/split_pg_%04d.htm", page);
+}
+
+QString previewCommand(const QString &appFolder, const QString &input, int page,
+                       const QString &output)
+{
+    const QString range = page == 0 ? QString() : QStringLiteral(" -f %1 -l %1").arg(page);
+    return quotedTool(appFolder, QLatin1String("quillrend")) + QLatin1String(" -htmlformat") +
+           range + QLatin1Char(' ') + quotedPath(input) + QLatin1Char(' ') + quotedPath(output);
+}
+
+QString previewOutput(const QString &temporaryFolder)
+{
+    return temporaryFolder + QLatin1String("/text.xml");
+}
+
+QString previewLayoutFile(const QString &temporaryFolder)
+{
+    return temporaryFolder + QLatin1String("/text_pg_0001.htm");
+}
+
+QString previewImageFile(const QString &temporaryFolder)
+{
+    return temporaryFolder + QLatin1String("/text_pg_0001.png");
 }
 
 QString mergeCommand(const QString &appFolder, const QString &input, const QString &ranges,

@@ -25,6 +25,17 @@
 /// The layout file of a page (1-based) that layoutCommand() leaves.
 [[nodiscard]] QString layoutFile(const QString &temporaryFolder, int page);
 
+/// quillrend writes the layout file and the image of a page (1-based) of `input`, or of every page
+/// when `page` is 0; `output` is the name that theirs are derived from.
+[[nodiscard]] QString previewCommand(const QString &appFolder, const QString &input, int page,
+                                     const QString &output);
+
+/// The output name that the rule editor gives to previewCommand(). For a single page, whichever it
+/// is, the two files that follow are then written.
+[[nodiscard]] QString previewOutput(const QString &temporaryFolder);
+[[nodiscard]] QString previewLayoutFile(const QString &temporaryFolder);
+[[nodiscard]] QString previewImageFile(const QString &temporaryFolder);
+
 /// stavekit writes the pages `ranges` of `input`, in that order, as the document `output`.
 [[nodiscard]] QString mergeCommand(const QString &appFolder, const QString &input,
                                    const QString &ranges, const QString &output);
