@@ -1,0 +1,141 @@
+// SPDX-FileCopyrightText: 2026 The Sendrivo authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "rules/fragmentboxes.h"
+#include "rules/rules.h"
+#include "ui_rules.h"
+
+#include <QKeyEvent>
+#include <QLabel>
+#include <QPushButton>
+#include <QScrollArea>
+#include <QToolTip>
+
+#include <algorithm>
+
+namespace {
+
+// The stray brace ends a rule that Qt begins by itself for a sheet without one.
+const QString boxStyle =
+    QStringLiteral("border:2px dotted green;} QPushButton:Pressed{border:2px dotted red;");
+
+constexpr QSize ruleButtonSize(141, 28);
+
+} // namespace
+
+void Rules::drawlabels()
+{
+    // Buttons that appear one by one in a visible parent each cost a round of layout and repaint:
+    // for a page of 2,000 fragments a third of the whole time.
+    pageLabel->hide();
+    labelButtons.clear();
+    labelButtons.reserve(subtexts.size());
+    for (const Subtext &fragment : std::as_const(subtexts)) {
+        auto *box = new QPushButton(pageLabel);
+        box->setGeometry(boxOf(fragment, zoom));
+        box->setFlat(true);
+        box->setAutoDefault(false);
+        box->setStyleSheet(boxStyle);
+        box->setAccessibleName(fragment.text);
+        box->installEventFilter(this);
+        box->show();
+        connect(box, &QPushButton::clicked, this, &Rules::textmessagebox);
+        labelButtons.append(box);
+    }
+    pageLabel->show();
+}
+
+void Rules::makeRuleButton()
+{
+    delete ruleButton;
+    ruleButton = new QPushButton(pageLabel);
+    ruleButton->setAutoDefault(false);
+    ruleButton->installEventFilter(this);
+    ruleButton->hide();
+    connect(ruleButton, &QPushButton::clicked, this, &Rules::addtorules);
+}
+
+void Rules::textmessagebox()
+{
+    QList<QRect> boxes;
+    boxes.reserve(labelButtons.size());
+    for (const QPushButton *box : std::as_const(labelButtons))
+        boxes.append(box->geometry());
+    const QPoint cursor = QCursor::pos();
+    pickFragment(boxAt(boxes, pageLabel->mapFromGlobal(cursor)), cursor);
+}
+
+/// Without a box under the cursor, which can leave the box between press and release, the first
+/// fragment is picked.
+void Rules::pickFragment(qsizetype index, QPoint tipPosition)
+{
+    currentRule = subtexts.value(std::max<qsizetype>(index, 0));
+    QToolTip::showText(tipPosition, tr("Position\n") + tr(" X- ") +
+                                        QString::number(currentRule.left) + tr(" Y- ") +
+                                        QString::number(currentRule.top));
+    showRuleButton(index < 0 ? QPoint() : besideBox(labelButtons.at(index)->geometry()));
+}
+
+void Rules::showRuleButton(QPoint position)
+{
+    if (!ruleButton)
+        return;
+    ruleButton->setText(tr("Make it be the rule"));
+    ruleButton->setGeometry(QRect(position, ruleButtonSize));
+    ruleButton->raise();
+    ruleButton->show();
+    // Beside a box at the right edge of the page there may be no page left to stand on.
+    pageLabel->setMinimumWidth(position.x() + ruleButtonSize.width());
+    scrollArea->ensureWidgetVisible(ruleButton, 0, 0);
+}
+
+void Rules::addtorules()
+{
+    if (ruleButton)
+        ruleButton->hide();
+    setSaveControlsEnabled(true);
+    ui->lineEdit_rulebefore->setText(QStringLiteral("(%1 %2 %3 %4)=%5")
+                                         .arg(currentRule.left)
+                                         .arg(currentRule.top)
+                                         .arg(currentRule.width)
+                                         .arg(currentRule.height)
+                                         .arg(currentRule.text));
+    ui->lineEdit_rule->setFocus();
+    ui->lineEdit_rule->selectAll();
+}
+
+void Rules::mousePressEvent(QMouseEvent *)
+{
+    if (ruleButton)
+        ruleButton->hide();
+}
+
+void Rules::mouseMoveEvent(QMouseEvent *)
+{
+}
+
+bool Rules::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() != QEvent::KeyPress)
+        return QDialog::eventFilter(watched, event);
+    const auto *press = static_cast<QKeyEvent *>(event);
+    const int key = press->key();
+    if (key != Qt::Key_Space && key != Qt::Key_Return && key != Qt::Key_Enter)
+        return QDialog::eventFilter(watched, event);
+    // A key that is held down must not run through pick, confirmation and save.
+    if (!press->isAutoRepeat())
+        pressByKey(watched);
+    return true;
+}
+
+void Rules::pressByKey(const QObject *button)
+{
+    const auto box = std::find(labelButtons.cbegin(), labelButtons.cend(), button);
+    if (box == labelButtons.cend()) {
+        addtorules();
+        return;
+    }
+    pickFragment(box - labelButtons.cbegin(), (*box)->mapToGlobal((*box)->rect().bottomLeft()));
+    if (ruleButton)
+        ruleButton->setFocus();
+}
