@@ -107,12 +107,13 @@ void removePage(const Request &request, int number)
 }
 
 /// Removes what an earlier run left when it is not known how many pages there are: as many pages as
-/// have files without a gap.
+/// have files without a gap. A page that was given up may have left its image alone.
 void removeEarlierPages(const Request &request)
 {
+    const auto exists = [](const std::string &file) { return ::access(file.c_str(), F_OK) == 0; };
     for (int number = 1;; ++number) {
         const PageFiles files(request.outputStem, number);
-        if (::access(files.layout.c_str(), F_OK) != 0)
+        if (!exists(files.layout) && !(request.hasRange() && exists(files.image)))
             return;
         removePage(request, number);
     }
