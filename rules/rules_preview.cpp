@@ -30,9 +30,9 @@ constexpr int converterTimeoutMs = 30000;
 /// A layout of more lines is a broken one.
 constexpr qsizetype maxFragments = 10000;
 
-/// A page image of more pixels, which would take half a gigabyte, is not shown: there is no bound
-/// to the zoom, but there is one to the memory.
-constexpr qreal maxImagePixels = 1 << 27;
+/// A page image of more pixels, which would take 320 MB, is not shown: there is no bound to the
+/// zoom, but there is one to the memory. An A4 page can be enlarged ten times.
+constexpr qreal maxImagePixels = 80e6;
 
 QString temporaryFolder()
 {
