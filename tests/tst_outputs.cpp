@@ -91,6 +91,9 @@ private slots:
                  QStringList({tool, file, "-getinfo", "-outfile", folder + "/fileinfo.txt"}));
         QCOMPARE(QProcess::splitCommand(layoutCommand(folder, "/t p", file)),
                  QStringList({folder + "/quillrend", "-htmlformat", file, "/t p/split.xml"}));
+        QCOMPARE(QProcess::splitCommand(previewCommand(folder, file, 12, "/t p/text.xml")),
+                 QStringList({folder + "/quillrend", "-htmlformat", "-f", "12", "-l", "12", file,
+                              "/t p/text.xml"}));
         QCOMPARE(QProcess::splitCommand(mergeCommand(folder, file, "1-2 7", file)),
                  QStringList({tool, file, "-merge", "1-2", "7", "-outfile", file}));
     }

@@ -1,0 +1,485 @@
+// SPDX-FileCopyrightText: 2026 The Sendrivo authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "rules/rules.h"
+#include "rules/rulestore.h"
+#include "rules/settingsfile.h"
+#include "split/toolcommands.h"
+#include "tests/support/pdfbuilder.h"
+#include "tests/support/pdfreader.h"
+#include "tests/support/privatefolders.h"
+#include "tests/support/ruleeditordriver.h"
+#include "tests/support/samplepdf.h"
+#include "tests/support/windowdriver.h"
+
+#include <QApplication>
+#include <QComboBox>
+#include <QDir>
+#include <QLineEdit>
+#include <QNetworkReply>
+#include <QRegion>
+#include <QRegularExpression>
+#include <QSettings>
+#include <QSpinBox>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QToolTip>
+#include <QWheelEvent>
+
+namespace {
+
+/// Where the invoice number stands on every sample page.
+constexpr QPoint numberPlace(604, 168);
+
+QString path(const QString &name)
+{
+    return QDir::current().filePath(name);
+}
+
+QString layoutOfPage()
+{
+    return previewLayoutFile(QDir::tempPath());
+}
+
+/// The layout line of a fragment, as quillrend writes it.
+QByteArray line(const QRect &box, const QByteArray &text)
+{
+    return "<span style=\"left:" + QByteArray::number(box.x()) +
+           ";top:" + QByteArray::number(box.y()) + ";width:" + QByteArray::number(box.width()) +
+           ";height:" + QByteArray::number(box.height()) + "\">" + text + "</span>\n";
+}
+
+/// What is wrong between the dark pixels of a page and the boxes over its words.
+QString misplaced(const QImage &image, const QList<QPushButton *> &boxes)
+{
+    // Not the bluish lines between the sample's columns.
+    const auto isInk = [&image](int x, int y) {
+        const QRgb colour = image.valid(x, y) ? image.pixel(x, y) : qRgb(255, 255, 255);
+        return qGray(colour) < 160 && qBlue(colour) - qRed(colour) < 8;
+    };
+    QRegion covered;
+    for (const QPushButton *button : boxes) {
+        const QRect box = button->geometry();
+        covered += box.adjusted(-2, -2, 2, 2);
+        QRect ink;
+        for (int y = box.top(); y <= box.bottom(); ++y) {
+            for (int x = box.left(); x <= box.right(); ++x)
+                ink |= isInk(x, y) ? QRect(x, y, 1, 1) : QRect();
+        }
+        if (ink.left() - box.left() > 4 || box.right() - ink.right() > 4 ||
+            ink.height() * 2 < box.height())
+            return "no word fills the box of " + button->accessibleName();
+    }
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            if (isInk(x, y) && !covered.contains(QPoint(x, y)))
+                return QStringLiteral("no box over the ink at %1, %2").arg(x).arg(y);
+        }
+    }
+    return {};
+}
+
+/// The sheet numbers on the pages of each document in a folder, documents joined by "|".
+QString sheetsOfDocuments(const QString &folder)
+{
+    static const QRegularExpression sheet(QStringLiteral("Sheet (\\d+)"));
+    QMap<int, QString> sheets;
+    for (const QFileInfo &file : QDir(folder).entryInfoList(QDir::Files)) {
+        QStringList numbers;
+        for (const QString &text : pdfreader::pageTexts(file.filePath()))
+            numbers.append(sheet.match(text).captured(1));
+        sheets.insert(file.fileName().section(' ', 0, 0).toInt(), numbers.join(' '));
+    }
+    return QStringList(sheets.values()).join('|');
+}
+
+/// A rule editor opened on a file as the main window opens it.
+struct Editor : Rules, RuleEditorDriver
+{
+    Editor() : RuleEditorDriver(static_cast<QDialog &>(*this)) {}
+    /// Opened with the boxes of the first page.
+    Editor(const QString &file, int pages) : Editor()
+    {
+        if (!open(file, pages) || !waitForBoxes())
+            qFatal("%s is not shown", qPrintable(file));
+    }
+
+    bool open(const QString &file, int pages)
+    {
+        {
+            QSettings settings(settingsFileName(), QSettings::IniFormat);
+            settings.setValue("file/file", file);
+            settings.setValue("file/page", QString::number(pages));
+        }
+        const bool isPrepared = setIniImage();
+        show();
+        return isPrepared;
+    }
+    /// Which of the controls can be used, in the order of the layout.
+    [[nodiscard]] QByteArray enabled() const
+    {
+        QByteArray flags;
+        for (const char *name :
+             {"pushButton_zoomout", "pushButton_zoomin", "pushButton_down", "pushButton_up",
+              "pushButton_save", "lineEdit_rule", "lineEdit_rulebefore"})
+            flags += widget<QWidget>(name)->isEnabled() ? '1' : '0';
+        return flags;
+    }
+    [[nodiscard]] QSpinBox *pageBox() const { return widget<QSpinBox>("spinBox_pagenumber"); }
+    [[nodiscard]] QImage image() const { return page()->pixmap(Qt::ReturnByValue).toImage(); }
+    [[nodiscard]] QString candidate() const
+    {
+        return widget<QLineEdit>("lineEdit_rulebefore")->text();
+    }
+    /// Has the page shown again with this layout.
+    [[nodiscard]] bool reload(const QByteArray &layout)
+    {
+        writeFile(layoutOfPage(), layout);
+        click("pushButton_zoomin");
+        click("pushButton_zoomout");
+        return waitForBoxes();
+    }
+    [[nodiscard]] bool staysWithoutBoxes() const
+    {
+        QTest::qWait(50);
+        return boxes().isEmpty();
+    }
+    /// Saves under this name and gives the message that is shown.
+    [[nodiscard]] QString refusal(const QString &name)
+    {
+        QString shown;
+        typeName(name);
+        acceptMessageBox(&shown);
+        click("pushButton_save");
+        return shown;
+    }
+};
+
+} // namespace
+
+/// The rule editor with the real converter.
+class TestRuleEditor : public QObject
+{
+    Q_OBJECT
+
+    const QString sample = path("sample.pdf");
+
+private slots:
+    void initTestCase()
+    {
+        QVERIFY(writeSamplePdf(sample, {{"INV-1", "Ash", 2}, {"INV-2", "Birch", 1}}));
+        writeFile(path("broken.pdf"), "no PDF");
+    }
+    void cleanup() { QFile::remove(settingsFileName()); }
+
+    /// The whole way: in the main window open the editor, look at the boxes at several zooms, pick
+    /// the invoice number, save, split.
+    void fromPickToDocuments_data()
+    {
+        QTest::addColumn<SampleLayout>("layout");
+        QTest::addColumn<QString>("prefix");
+        const auto row = [](const char *name, SampleLayout layout, const char *prefix = "INV-") {
+            QTest::newRow(name) << layout << QString::fromUtf8(prefix);
+        };
+        row("portrait", SampleLayout::Portrait);
+        row("landscape", SampleLayout::Landscape);
+        row("rotated by 90", SampleLayout::Rotated90);
+        row("rotated by 180", SampleLayout::Rotated180);
+        row("rotated by 270", SampleLayout::Rotated270);
+        row("cropped", SampleLayout::Cropped);
+        row("Hebrew", SampleLayout::Portrait, "חשבונית ");
+        row("Arabic", SampleLayout::Portrait, "فاتورة ");
+        row("Chinese", SampleLayout::Portrait, "发票号");
+    }
+    void fromPickToDocuments()
+    {
+        QFETCH(SampleLayout, layout);
+        QFETCH(QString, prefix);
+        const QString name = QTest::currentDataTag();
+        const QTemporaryDir folder;
+        const QString file = folder.filePath("in.pdf");
+        QVERIFY(writeSamplePdf(
+            file, {{prefix + '1', "A", 2}, {prefix + '2', "B", 1}, {prefix + '3', "C", 3}},
+            layout));
+        const QImage rendered = pdfreader::renderPage(file, 0);
+        WindowDriver driver;
+        QVERIFY(driver.add({file}));
+        QSet<QString> rules;
+        whenDialogOpens([&](QDialog *dialog) {
+            const RuleEditorDriver editor(*dialog);
+            QCOMPARE(editor.page()->pixmap(Qt::ReturnByValue).size(), rendered.size());
+            for (const char *step : {"zoomout", "zoomin", "zoomin"}) {
+                editor.click("pushButton_" + QByteArray(step));
+                QVERIFY(editor.waitForBoxes());
+                const QImage shown = editor.page()->pixmap(Qt::ReturnByValue).toImage();
+                const QImage expected =
+                    rendered.scaled(shown.size(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+                QCOMPARE(misplaced(shown, editor.boxes()), QString());
+                QCOMPARE(misplaced(expected, editor.boxes()), QString());
+                const double zoom = shown.width() * 1.0 / rendered.width();
+                rules.insert(editor.makeRuleAt((QPointF(numberPlace) * zoom).toPoint()));
+            }
+            editor.typeName(name);
+            editor.click("pushButton_save");
+        });
+        driver.click("pushButton_option");
+        QCOMPARE(rules.size(), 1);
+        QCOMPARE(driver.widget<QComboBox>("comboBox_rule")->currentText(), name);
+        driver.setOutputFolder(folder.path());
+        QVERIFY(driver.split());
+        QCOMPARE(sheetsOfDocuments(folder.filePath("in")), QStringLiteral("1 2|3|4 5 6"));
+    }
+
+    void cancellingChoosesTheFirstRule()
+    {
+        {
+            QSettings settings(settingsFileName(), QSettings::IniFormat);
+            for (const char *name : {"a", "b"})
+                saveRule(settings, name, {});
+        }
+        WindowDriver driver;
+        auto *rules = driver.widget<QComboBox>("comboBox_rule");
+        rules->setCurrentIndex(1);
+        whenDialogOpens([](QDialog *) {});
+        driver.click("pushButton_option");
+        QCOMPARE(rules->currentIndex(), 0);
+        const QSettings settings(settingsFileName(), QSettings::IniFormat);
+        QCOMPARE(settings.value("file/file").toString() + settings.value("file/page").toString(),
+                 QStringLiteral("Empty input0"));
+    }
+
+    void picking_data()
+    {
+        QTest::addColumn<QPoint>("place");
+        QTest::addColumn<QString>("rule");
+        QTest::addColumn<QPoint>("anchor");
+        const auto row = [](const char *name, QPoint place, const char *rule, QPoint anchor) {
+            QTest::newRow(name) << place << rule << anchor;
+        };
+        row("inside", {110, 22}, "(100 20 50 10)=top", {150, 20});
+        row("first column", {100, 25}, "(100 20 50 10)=top", {150, 20});
+        row("shared row", {110, 30}, "(100 30 50 10)=below", {150, 30});
+        row("right edge", {150, 25}, "(150 20 40 10)=right %1 %5", {190, 20});
+        row("overlap", {125, 62}, "(120 60 50 20)=over", {170, 60});
+        row("under the overlap", {105, 70}, "(100 50 50 30)=under", {150, 50});
+        row("edge of the page", {790, 210}, "(700 200 94 20)=edge", {794, 200});
+        row("no box", {400, 300}, "(10 1 5 5)=first", {0, 0});
+    }
+    void picking()
+    {
+        QFETCH(QPoint, place);
+        QFETCH(QString, rule);
+        QFETCH(QPoint, anchor);
+        Editor editor(sample, 3);
+        QVERIFY(editor.reload(line({10, 1, 5, 5}, "first") + line({100, 20, 50, 10}, "top") +
+                              line({150, 20, 40, 10}, "right %1 %5") +
+                              line({100, 30, 50, 10}, "below") + line({100, 50, 50, 30}, "under") +
+                              line({120, 60, 50, 20}, "over") + line({700, 200, 94, 20}, "edge")));
+        QCOMPARE(editor.boxes().size(), 7);
+        if (anchor.isNull()) {
+            // The cursor leaves the box before the button is released.
+            QCursor::setPos(editor.page()->mapToGlobal(place));
+            editor.box("top")->click();
+        } else {
+            editor.clickAt(place);
+        }
+        const QStringList numbers = rule.section(')', 0, 0).mid(1).split(' ');
+        QCOMPARE(QToolTip::text(), "Position\n X- " + numbers[0] + " Y- " + numbers[1]);
+        QPushButton *confirm = editor.confirmButton();
+        QVERIFY(confirm);
+        QCOMPARE(confirm->text(), QStringLiteral("Make it be the rule"));
+        QCOMPARE(confirm->geometry(), QRect(anchor, QSize(141, 28)));
+        QCOMPARE(confirm->visibleRegion().boundingRect(), confirm->rect());
+        editor.clickAt({300, 300});
+        QVERIFY2(!confirm->isVisible(), "a click beside the boxes withdraws the offer");
+        QCOMPARE(editor.enabled(), "1101000");
+        editor.addtorules();
+        QCOMPARE(editor.enabled(), "1101111");
+        QCOMPARE(editor.candidate(), rule);
+    }
+
+    void saving()
+    {
+        Editor editor(sample, 3);
+        QVERIFY(!editor.makeRuleAt(numberPlace).isEmpty());
+        {
+            QSettings settings(settingsFileName(), QSettings::IniFormat);
+            saveRule(settings, "old", {1, 2, 3, 4, "x"});
+        }
+        const QString taken = "Existed Rule Name: The rule name has been used, Please input "
+                              "another one";
+        QCOMPARE(editor.refusal(""), QStringLiteral("Empty Rule Name: Please input rule name"));
+        QCOMPARE(editor.refusal("old"), taken);
+        QVERIFY(editor.isVisible());
+        editor.typeName("new one");
+        QTest::keyClick(editor.widget<QLineEdit>("lineEdit_rule"), Qt::Key_Return);
+        QCOMPARE(editor.result(), int(QDialog::Accepted));
+        QVERIFY(!editor.isVisible());
+
+        // The next opening still has the old pick, and saves it under another name only.
+        QVERIFY(editor.open(sample, 3));
+        QCOMPARE(editor.enabled(), "1101111");
+        QCOMPARE(editor.refusal("new one"), taken);
+        editor.typeName("another");
+        editor.click("pushButton_save");
+        QSettings settings(settingsFileName(), QSettings::IniFormat);
+        QCOMPARE(ruleNames(settings), QStringList({"another", "new one", "old"}));
+        QCOMPARE(currentRuleName(settings), QStringLiteral("another"));
+        const Subtext rule = readRule(settings, "another");
+        QVERIFY(QRect(rule.left, rule.top, rule.width, rule.height).contains(numberPlace));
+        QCOMPARE(readRule(settings, "new one").text, QStringLiteral("INV-1"));
+        QCOMPARE(readRule(settings, "old").text, QStringLiteral("x"));
+    }
+
+    void paging()
+    {
+        Editor editor(sample, 3);
+        QVERIFY(editor.box("Page 1 of 2"));
+        QCOMPARE(editor.enabled(), "1101000");
+        editor.click("pushButton_up");
+        QVERIFY2(editor.boxes().isEmpty(), "boxes of the page before");
+        QTRY_VERIFY(editor.box("Page 2 of 2"));
+        QCOMPARE(editor.enabled(), "1111000");
+        editor.pageBox()->selectAll();
+        QTest::keyClicks(editor.pageBox(), "3");
+        QVERIFY2(editor.box("Page 2 of 2"), "a page number that is still being typed counts");
+        QTest::keyClick(editor.pageBox(), Qt::Key_Return);
+        QTRY_VERIFY(editor.box("Birch"));
+        QCOMPARE(editor.enabled(), "1110000");
+        // Two page changes before the layout of the first has been read.
+        editor.click("pushButton_down");
+        editor.click("pushButton_up");
+        QVERIFY(editor.waitForBoxes());
+        QVERIFY(editor.box("Birch") && !editor.box("Ash"));
+
+        QVERIFY(editor.open(sample, 1));
+        QCOMPARE(editor.enabled(), "1100000");
+        QCOMPARE(editor.widget<QLabel>("label_pagenumber")->text(), QStringLiteral("/1"));
+    }
+
+    void zooming()
+    {
+        Editor editor(sample, 3);
+        const int height = editor.image().height();
+        const auto turnWheel = [&editor](int delta, QPoint place) {
+            QCursor::setPos(editor.mapToGlobal(place));
+            QWheelEvent turn(place, editor.mapToGlobal(place), {}, {0, delta}, Qt::NoButton,
+                             Qt::NoModifier, Qt::NoScrollPhase, false);
+            QCoreApplication::sendEvent(&editor, &turn);
+            return editor.image().height();
+        };
+        const QPoint buttonRow(300, 30);
+        QCOMPARE(turnWheel(120, buttonRow), int(height * 1.25F));
+        QCOMPARE(turnWheel(-120, buttonRow), height);
+        QCOMPARE(turnWheel(120, {300, 400}), height);
+        QCOMPARE(turnWheel(0, buttonRow), int(height * 0.8F));
+        // Kept across pages and openings.
+        editor.click("pushButton_up");
+        QVERIFY(editor.open(sample, 3));
+        QCOMPARE(editor.image().height(), int(height * 0.8F));
+    }
+
+    /// The page image stays, without boxes, and the way back works.
+    void zoomBeyondWhatCanBeShown()
+    {
+        const QByteArrayList both = {"pushButton_zoomin", "pushButton_zoomout"};
+        for (const int direction : {0, 1}) {
+            Editor editor(sample, 3);
+            const int height = editor.image().height();
+            for (int step = 0; step < 40; ++step)
+                editor.click(both[direction]);
+            QVERIFY(!editor.image().isNull());
+            QVERIFY(editor.staysWithoutBoxes());
+            for (int step = 0; step < 40; ++step)
+                editor.click(both[1 - direction]);
+            QVERIFY(editor.waitForBoxes());
+            QVERIFY(std::abs(editor.image().height() - height) <= 1);
+        }
+    }
+
+    void nothingToShow()
+    {
+        Editor editor;
+        QVERIFY(!editor.open("Empty input", 0));
+        QCOMPARE(editor.enabled(), "0000000");
+        QCOMPARE(editor.pageBox()->maximum(), 0);
+        QVERIFY(editor.image().isNull());
+
+        QVERIFY(editor.open(sample, 3) && editor.waitForBoxes());
+        QVERIFY(!editor.open(path("missing.pdf"), 7));
+        QVERIFY(editor.boxes().isEmpty());
+        QCOMPARE(editor.pageBox()->maximum(), 7);
+        QTest::mouseClick(&editor, Qt::LeftButton, {}, QPoint(5, 5));
+    }
+
+    void conversionFails()
+    {
+        Editor editor(sample, 9);
+        editor.pageBox()->setValue(4);
+        QVERIFY2(editor.image().isNull(), "a page that is not there after all");
+        editor.click("pushButton_zoomout");
+        QVERIFY(editor.staysWithoutBoxes());
+        editor.click("pushButton_down");
+        QTRY_VERIFY(editor.box("Birch"));
+
+        for (const bool isLayoutLeft : {true, false}) {
+            QVERIFY(editor.open(sample, 9) && editor.waitForBoxes());
+            if (!isLayoutLeft)
+                QFile::remove(layoutOfPage());
+            QVERIFY(editor.open(path("broken.pdf"), 9));
+            QVERIFY(editor.image().isNull() && editor.staysWithoutBoxes());
+        }
+
+        QVERIFY(editor.open(sample, 3) && editor.waitForBoxes());
+        const QString tool = QCoreApplication::applicationDirPath() + "/quillrend";
+        QVERIFY(QFile::rename(tool, tool + ".away"));
+        editor.click("pushButton_up");
+        QVERIFY(QFile::rename(tool + ".away", tool));
+        QVERIFY(editor.image().isNull() && editor.staysWithoutBoxes());
+    }
+
+    void keyboard()
+    {
+        Editor editor(sample, 3);
+        QVERIFY(!editor.makeRuleAt(numberPlace).isEmpty());
+        QStringList order;
+        editor.widget<QWidget>("pushButton_zoomout")->setFocus();
+        for (int k = 0; k < 7; ++k) {
+            order.append(editor.focusWidget()->objectName());
+            QTest::keyClick(editor.focusWidget(), Qt::Key_Tab);
+        }
+        QCOMPARE(order, QStringList({"pushButton_zoomout", "pushButton_zoomin", "pushButton_up",
+                                     "spinBox_pagenumber", "pushButton_save", "lineEdit_rule",
+                                     "lineEdit_rulebefore"}));
+        editor.typeName("name");
+        QTest::keyClick(editor.pageBox(), Qt::Key_Return);
+        QTest::keyClick(editor.widget<QLineEdit>("lineEdit_rulebefore"), Qt::Key_Return);
+        QVERIFY2(editor.isVisible(), "Return saves from the name field only");
+
+        QTest::keyClick(editor.box("Ash"), Qt::Key_Space);
+        QVERIFY(editor.confirmButton() && editor.focusWidget() == editor.confirmButton());
+        QTest::keyClick(editor.confirmButton(), Qt::Key_Return);
+        QVERIFY(editor.candidate().endsWith(")=Ash"));
+        QCOMPARE(editor.focusWidget(), editor.widget<QLineEdit>("lineEdit_rule"));
+    }
+
+    void bounds()
+    {
+        Editor editor(sample, 3);
+        QByteArray layout;
+        for (int k = 0; k < 10050; ++k)
+            layout += line({k % 700, k / 10, 5, 5}, QByteArray::number(k));
+        QVERIFY(editor.reload(layout));
+        QCOMPARE(editor.boxes().size(), 10000);
+        QCOMPARE(editor.boxes().last()->accessibleName(), QStringLiteral("9999"));
+
+        for (int step = 0; step < 5; ++step)
+            QVERIFY(editor.reload(line({1, 1, 5, 5}, "x")));
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QVERIFY(editor.findChildren<QNetworkReply *>().size() <= 1);
+    }
+};
+
+SENDRIVO_TEST_MAIN(TestRuleEditor, QApplication)
+
+#include "tst_ruleeditor.moc"
