@@ -37,14 +37,13 @@ bool isOnSameLine(const Baseline &a, const Baseline &b)
 /// Removes from later the glyphs that earlier shows in the same place.
 void removeRepeated(const GlyphRun &earlier, GlyphRun &later)
 {
-    const double near = sameGlyphEm * later.line.em;
+    const double em = later.line.em;
     const auto isRepeated = [&](const PlacedGlyph &glyph) {
-        const auto first = std::lower_bound(
-            earlier.glyphs.begin(), earlier.glyphs.end(), glyph.start - near,
-            [](const PlacedGlyph &other, double start) { return other.start < start; });
-        for (auto other = first;
-             other != earlier.glyphs.end() && other->start <= glyph.start + near; ++other) {
-            if (other->character == glyph.character)
+        auto other = std::lower_bound(
+            earlier.glyphs.begin(), earlier.glyphs.end(), glyph.start - em,
+            [](const PlacedGlyph &before, double start) { return before.start < start; });
+        for (; other != earlier.glyphs.end() && other->start <= glyph.start + em; ++other) {
+            if (isSameGlyph(*other, glyph, em))
                 return true;
         }
         return false;
@@ -83,13 +82,12 @@ public:
 private:
     static bool continues(const GlyphRun &run, const GlyphRun &next)
     {
-        constexpr double farthestBackEm = 0.2;
         constexpr double largestSizeRatio = 2;
         const double larger = std::max(run.line.size, next.line.size);
         const double smaller = std::min(run.line.size, next.line.size);
-        const double gap = next.start() - run.end();
-        return larger <= largestSizeRatio * smaller && gap >= -farthestBackEm * run.line.em &&
-               gap <= std::max(run.widestGap(), next.widestGap());
+        const bool isNear = next.start() - run.end() <= std::max(run.widestGap(), next.widestGap());
+        return larger <= largestSizeRatio * smaller && isNear &&
+               (run.isFollowedFrom(next.start()) || next.start() > run.end());
     }
 };
 

@@ -47,12 +47,6 @@ bool isSameDirection(const Baseline &a, const Baseline &b)
            a.isVertical == b.isVertical && a.isMirrored == b.isMirrored;
 }
 
-bool isRepetition(const GlyphRun &run, double start, char32_t character)
-{
-    const PlacedGlyph &last = run.glyphs.back();
-    return last.character == character && std::abs(last.start - start) < sameGlyphEm * run.line.em;
-}
-
 } // namespace
 
 bool GlyphCollector::isOutside(const ShownGlyph &glyph) const
@@ -69,14 +63,17 @@ bool GlyphCollector::continuesRun(const Baseline &line, double start) const
     if (runs.empty())
         return false;
     const GlyphRun &run = runs.back();
-    // Far enough back for kerning and for accents drawn over the letter before.
-    constexpr double farthestBackEm = 0.4;
     const double smaller = std::min(line.size, run.line.size);
-    const double gap = start - run.end();
     return isSameDirection(line, run.line) &&
            std::abs(line.across - run.line.across) < 0.02 * smaller &&
-           std::max(line.size, run.line.size) < 1.02 * smaller && gap <= run.widestGap() &&
-           gap > -farthestBackEm * line.em;
+           std::max(line.size, run.line.size) < 1.02 * smaller && run.isFollowedFrom(start);
+}
+
+bool GlyphCollector::isRepetition(const Baseline &line, const PlacedGlyph &glyph) const
+{
+    return !runs.empty() && isSameDirection(line, runs.back().line) &&
+           std::abs(line.across - runs.back().line.across) < 0.02 * line.size &&
+           isSameGlyph(runs.back().glyphs.back(), glyph, line.em);
 }
 
 void GlyphCollector::add(const ShownGlyph &glyph)
@@ -108,16 +105,16 @@ void GlyphCollector::add(const ShownGlyph &glyph)
             runs.back().glyphs.back().end = end;
         return;
     }
-    if (isContinued && isRepetition(runs.back(), start, glyph.character))
+    const PlacedGlyph placed{start, end, glyph.character, isContinued && hasBlank, false};
+    if (isRepetition(line, placed))
         return;
     if (!isContinued) {
         GlyphRun run;
         run.line = line;
         run.order = static_cast<int>(runs.size());
         runs.push_back(std::move(run));
-        hasBlank = false;
     }
-    runs.back().append({start, end, glyph.character, hasBlank, false});
+    runs.back().append(placed);
     hasBlank = false;
     skipsContinuations = false;
 }

@@ -38,6 +38,7 @@ public:
 private:
     [[nodiscard]] bool isOutside(const ShownGlyph &glyph) const;
     [[nodiscard]] bool continuesRun(const Baseline &line, double start) const;
+    [[nodiscard]] bool isRepetition(const Baseline &line, const PlacedGlyph &glyph) const;
 
     double width;
     double height;

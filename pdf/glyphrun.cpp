@@ -4,11 +4,34 @@
 #include "pdf/glyphrun.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace pdf {
 
+bool isSameGlyph(const PlacedGlyph &a, const PlacedGlyph &b, double em)
+{
+    // The narrowest letters of narrow fonts advance by 0.18 em; in fonts whose size says little
+    // about their letters only the advance tells.
+    constexpr double nearEm = 0.12;
+    constexpr double nearAdvances = 0.4;
+    const double near = std::min(nearEm * em, nearAdvances * (b.end - b.start));
+    return a.character == b.character && std::abs(a.start - b.start) <= near;
+}
+
+bool GlyphRun::isFollowedFrom(double start) const
+{
+    constexpr double farthestBackEm = 0.2;
+    constexpr double leastAdvance = 0.25;
+    const PlacedGlyph &last = glyphs.back();
+    const double earliest = std::min(last.end - farthestBackEm * line.em,
+                                     last.start + leastAdvance * (last.end - last.start));
+    return start >= earliest && start <= last.end + widestGap();
+}
+
 void GlyphRun::append(const PlacedGlyph &glyph)
 {
+    if (!glyphs.empty() && !glyph.isContinuation)
+        glyphs.back().end = std::clamp(glyph.start, glyphs.back().start, glyphs.back().end);
     if (!glyphs.empty() && !glyph.isContinuation) {
         const double gap = glyph.start - end();
         smallestGap = gaps == 0 ? gap : std::min(smallestGap, gap);

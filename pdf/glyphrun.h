@@ -30,9 +30,8 @@ struct Baseline
     bool isMirrored = false; ///< letters' tops point clockwise from the direction's right
 };
 
-/// Glyphs of one character this near to each other, in em, are one letter drawn twice, for a bold
-/// look or as a shadow. The narrowest letters of narrow fonts advance by 0.18 em.
-constexpr double sameGlyphEm = 0.12;
+/// Whether two glyphs of one line are one letter drawn twice, for a bold look or as a shadow.
+[[nodiscard]] bool isSameGlyph(const PlacedGlyph &a, const PlacedGlyph &b, double em);
 
 /// Glyphs on one baseline, in the order of their positions once a line is complete.
 class GlyphRun
@@ -46,6 +45,10 @@ public:
     [[nodiscard]] double end() const { return glyphs.back().end; }
 
     void append(const PlacedGlyph &glyph);
+    /// Whether a glyph or run that starts there follows the last glyph as the next one of a word or
+    /// line does. Kerning goes back a little; where a font states wider letters than the producer
+    /// reckoned with, the next letter starts inside the last one.
+    [[nodiscard]] bool isFollowedFrom(double start) const;
     /// Spacing that the run has between all its letters, in pixels, 0 in ordinary text: the
     /// smallest distance between neighbours, once there are enough of them to tell.
     [[nodiscard]] double letterSpacing() const;
