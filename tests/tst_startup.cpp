@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Sendrivo authors
 // SPDX-License-Identifier: GPL-3.0-or-later
 
+#include "app/messagehandler.h"
 #include "tests/support/privatefolders.h"
 
 #include <QCoreApplication>
@@ -8,7 +9,6 @@
 #include <QFileInfo>
 #include <QProcess>
 #include <QSettings>
-#include <QStandardPaths>
 #include <QTest>
 
 #include <csignal>
@@ -16,15 +16,9 @@
 
 namespace {
 
-QString logPath()
-{
-    return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) +
-           QLatin1String("/sendrivo/splitterlog.txt");
-}
-
 QStringList logLines()
 {
-    QFile file(logPath());
+    QFile file(logFile());
     return file.open(QIODevice::ReadOnly)
                ? QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'))
                : QStringList();
@@ -65,7 +59,38 @@ class TestStartup : public QObject
     Q_OBJECT
 
 private slots:
-    void init() { QFile::remove(logPath()); }
+    void initTestCase() { QCoreApplication::setApplicationName("sendrivo"); }
+    void init() { QFile::remove(logFile()); }
+
+    void messages_data()
+    {
+        QTest::addColumn<int>("type");
+        QTest::addColumn<QString>("message");
+        QTest::addColumn<QString>("logged");
+        QTest::newRow("debug") << int(QtDebugMsg) << "%1 %2"
+                               << "Debug: %1 %2\n";
+        QTest::newRow("own line end") << int(QtWarningMsg) << "e\n"
+                                      << "Warning: e\n\n";
+        QTest::newRow("not Latin") << int(QtCriticalMsg) << QString(QChar(0x448))
+                                   << "Critical: " + QString(QChar(0x448)) + '\n';
+        QTest::newRow("information") << int(QtInfoMsg) << "d"
+                                     << "\n";
+    }
+    void messages()
+    {
+        QFETCH(int, type);
+        QFETCH(QString, message);
+        QVERIFY(QDir().mkpath(dataFolder()));
+        customMessageHandler(QtMsgType(type), {}, message);
+        customMessageHandler(QtMsgType(type), {}, message);
+        QFile log(logFile());
+        QVERIFY(log.open(QIODevice::ReadOnly));
+        QFETCH(QString, logged);
+        QCOMPARE(QString::fromUtf8(log.readAll()), logged + logged);
+        QVERIFY(QDir(dataFolder()).removeRecursively()); // from now on messages are lost
+        customMessageHandler(QtMsgType(type), {}, message);
+        QVERIFY(!QFile::exists(logFile()));
+    }
 
     void eachRunHasItsOwnLog()
     {
