@@ -258,8 +258,8 @@ private slots:
         };
         row("inside", {110, 22}, "(100 20 50 10)=top", {150, 20});
         row("first column", {100, 25}, "(100 20 50 10)=top", {150, 20});
-        row("shared row", {110, 30}, "(100 30 50 10)=below", {150, 30});
-        row("right edge", {150, 25}, "(150 20 40 10)=right %1 %5", {190, 20});
+        row("row below the later box", {110, 30}, "(100 20 50 10)=top", {150, 20});
+        row("column beside the later box", {150, 25}, "(150 20 40 10)=right %1 %5", {190, 20});
         row("overlap", {125, 62}, "(120 60 50 20)=over", {170, 60});
         row("under the overlap", {105, 70}, "(100 50 50 30)=under", {150, 50});
         row("edge of the page", {790, 210}, "(700 200 94 20)=edge", {794, 200});
@@ -271,10 +271,11 @@ private slots:
         QFETCH(QString, rule);
         QFETCH(QPoint, anchor);
         Editor editor(sample, 3);
-        QVERIFY(editor.reload(line({10, 1, 5, 5}, "first") + line({100, 20, 50, 10}, "top") +
+        QVERIFY(editor.reload(line({10, 1, 5, 5}, "first") +
                               line({150, 20, 40, 10}, "right %1 %5") +
-                              line({100, 30, 50, 10}, "below") + line({100, 50, 50, 30}, "under") +
-                              line({120, 60, 50, 20}, "over") + line({700, 200, 94, 20}, "edge")));
+                              line({100, 30, 50, 10}, "below") + line({100, 20, 50, 10}, "top") +
+                              line({100, 50, 50, 30}, "under") + line({120, 60, 50, 20}, "over") +
+                              line({700, 200, 94, 20}, "edge")));
         QCOMPARE(editor.boxes().size(), 7);
         if (anchor.isNull()) {
             // The cursor leaves the box before the button is released.
