@@ -100,11 +100,11 @@ struct Editor : Rules, RuleEditorDriver
     /// Opened with the boxes of the first page.
     Editor(const QString &file, int pages) : Editor()
     {
-        if (!open(file, pages) || !waitForBoxes())
+        if (!openOn(file, pages) || !waitForBoxes())
             qFatal("%s is not shown", qPrintable(file));
     }
 
-    bool open(const QString &file, int pages)
+    bool openOn(const QString &file, int pages)
     {
         {
             QSettings settings(settingsFileName(), QSettings::IniFormat);
@@ -318,7 +318,7 @@ private slots:
         QVERIFY(!editor.isVisible());
 
         // The next opening still has the old pick, and saves it under another name only.
-        QVERIFY(editor.open(sample, 3));
+        QVERIFY(editor.openOn(sample, 3));
         QCOMPARE(editor.enabled(), "1101111");
         QCOMPARE(editor.refusal("new one"), taken);
         editor.typeName("another");
@@ -353,7 +353,7 @@ private slots:
         QVERIFY(editor.waitForBoxes());
         QVERIFY(editor.box("Birch") && !editor.box("Ash"));
 
-        QVERIFY(editor.open(sample, 1));
+        QVERIFY(editor.openOn(sample, 1));
         QCOMPARE(editor.enabled(), "1100000");
         QCOMPARE(editor.widget<QLabel>("label_pagenumber")->text(), QStringLiteral("/1"));
     }
@@ -376,7 +376,7 @@ private slots:
         QCOMPARE(turnWheel(0, buttonRow), int(height * 0.8F));
         // Kept across pages and openings.
         editor.click("pushButton_up");
-        QVERIFY(editor.open(sample, 3));
+        QVERIFY(editor.openOn(sample, 3));
         QCOMPARE(editor.image().height(), int(height * 0.8F));
     }
 
@@ -401,13 +401,13 @@ private slots:
     void nothingToShow()
     {
         Editor editor;
-        QVERIFY(!editor.open("Empty input", 0));
+        QVERIFY(!editor.openOn("Empty input", 0));
         QCOMPARE(editor.enabled(), "0000000");
         QCOMPARE(editor.pageBox()->maximum(), 0);
         QVERIFY(editor.image().isNull());
 
-        QVERIFY(editor.open(sample, 3) && editor.waitForBoxes());
-        QVERIFY(!editor.open(path("missing.pdf"), 7));
+        QVERIFY(editor.openOn(sample, 3) && editor.waitForBoxes());
+        QVERIFY(!editor.openOn(path("missing.pdf"), 7));
         QVERIFY(editor.boxes().isEmpty());
         QCOMPARE(editor.pageBox()->maximum(), 7);
         QTest::mouseClick(&editor, Qt::LeftButton, {}, QPoint(5, 5));
@@ -424,14 +424,14 @@ private slots:
         QTRY_VERIFY(editor.box("Birch"));
 
         for (const bool isLayoutLeft : {true, false}) {
-            QVERIFY(editor.open(sample, 9) && editor.waitForBoxes());
+            QVERIFY(editor.openOn(sample, 9) && editor.waitForBoxes());
             if (!isLayoutLeft)
                 QFile::remove(layoutOfPage());
-            QVERIFY(editor.open(path("broken.pdf"), 9));
+            QVERIFY(editor.openOn(path("broken.pdf"), 9));
             QVERIFY(editor.image().isNull() && editor.staysWithoutBoxes());
         }
 
-        QVERIFY(editor.open(sample, 3) && editor.waitForBoxes());
+        QVERIFY(editor.openOn(sample, 3) && editor.waitForBoxes());
         const QString tool = QCoreApplication::applicationDirPath() + "/quillrend";
         QVERIFY(QFile::rename(tool, tool + ".away"));
         editor.click("pushButton_up");

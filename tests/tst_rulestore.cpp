@@ -66,7 +66,7 @@ private slots:
              {"Invoice No", " blanks around ", "   ", "Rechnungs-Nr. für Ärzte", "发票号 №7 🧾",
               "فاتورة 5", "100%", "%41%20", "a=b", "a;b #c", "; comment", "a, b,", ",", "[group]",
               "back\\slash\\", "\\n", "\\x41", "\"quoted\"", "\"", "@ByteArray(x)", "@Invalid()",
-              "@@", "&amp;<b>", "line\nbreak\r\n", "tab\tform\fbell\a", "\x7f\x01" "1",
+              "@@", "&amp;<b>", "line\nbreak\r\n", "tab\tform\fbell\a", "\x7f\0011",
               "NEL\u0085LS\u2028PS\u2029BOM\uFEFFend", "General", "general", "file", "currule",
               "zeph", "2024/May", "[/", "GENERAL/1", "/"})
             QTest::newRow(string) << QString::fromUtf8(string);
