@@ -42,7 +42,7 @@ struct ContextDeleter
     void operator()(fz_context *context) const { fz_drop_context(context); }
 };
 
-/// A loaded page together with the page map that MuPDF keeps while it is in use.
+/// A page that is dropped at the end of its use.
 class LoadedPage
 {
 public:
@@ -54,8 +54,6 @@ public:
     {
         if (page != nullptr)
             fz_drop_page(context, &page->super);
-        if (hasTree)
-            pdf_drop_page_tree(context, document);
     }
     LoadedPage(const LoadedPage &) = delete;
     LoadedPage &operator=(const LoadedPage &) = delete;
@@ -64,8 +62,20 @@ public:
     pdf_document *document;
     pdf_page *page = nullptr;
     fz_rect bounds = {};
-    bool hasTree = false;
 };
+
+/// Takes the links off a page in memory. They show nothing, and loading a page resolves each one's
+/// target by a search through the page tree.
+void removeLinks(fz_context *context, pdf_obj *page)
+{
+    pdf_obj *annotations = pdf_dict_get(context, page, PDF_NAME(Annots));
+    for (int i = pdf_array_len(context, annotations) - 1; i >= 0; --i) {
+        pdf_obj *annotation = pdf_array_get(context, annotations, i);
+        if (pdf_name_eq(context, pdf_dict_get(context, annotation, PDF_NAME(Subtype)),
+                        PDF_NAME(Link)))
+            pdf_array_delete(context, annotations, i);
+    }
+}
 
 /// Makes the page object the only page of the document in memory. MuPDF loads pages by their place
 /// in the page tree, and walks the tree from the start each time.
@@ -86,6 +96,7 @@ void makeOnlyPage(fz_context *context, pdf_document *document, int number, int p
             pdf_to_num(context, pdf_dict_get(context, page, PDF_NAME(Parent))) != parent)
             pdf_dict_put_drop(context, page, PDF_NAME(Parent),
                               pdf_new_indirect(context, document, parent, 0));
+        removeLinks(context, page);
         kids = pdf_new_array(context, document, 1);
         pdf_array_push(context, kids, page);
         pdf_obj *root = pdf_dict_get(context, pdf_trailer(context, document), PDF_NAME(Root));
@@ -108,8 +119,6 @@ void makeOnlyPage(fz_context *context, pdf_document *document, int number, int p
 void load(LoadedPage *loaded, const PageEntry *entry)
 {
     makeOnlyPage(loaded->context, loaded->document, entry->page.getObj(), entry->parent.getObj());
-    pdf_load_page_tree(loaded->context, loaded->document);
-    loaded->hasTree = true;
     loaded->page = pdf_load_page(loaded->context, loaded->document, 0);
     loaded->bounds = pdf_bound_page(loaded->context, loaded->page);
 }
