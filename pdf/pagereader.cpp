@@ -6,6 +6,7 @@
 #include "pdf/error.h"
 #include "pdf/fragments.h"
 #include "pdf/glyphcollector.h"
+#include "pdf/pngfile.h"
 #include "pdf/textdevice.h"
 
 #include <cstring>
@@ -149,16 +150,14 @@ void runText(LoadedPage *loaded, GlyphCollector *collector)
     }
 }
 
-/// The page as a PNG file. The caller drops the buffer.
-fz_buffer *draw(LoadedPage *loaded)
+/// The page drawn on white. The caller drops the pixmap.
+fz_pixmap *draw(LoadedPage *loaded)
 {
     fz_context *context = loaded->context;
     fz_pixmap *pixmap = nullptr;
     fz_device *device = nullptr;
-    fz_buffer *png = nullptr;
     fz_var(pixmap);
     fz_var(device);
-    fz_var(png);
     fz_try(context)
     {
         const fz_irect box =
@@ -166,23 +165,20 @@ fz_buffer *draw(LoadedPage *loaded)
         if (static_cast<double>(box.x1 - box.x0) * (box.y1 - box.y0) > largestImagePixels)
             fz_throw(context, FZ_ERROR_GENERIC, "page is too large to be drawn");
         pixmap = fz_new_pixmap_with_bbox(context, fz_device_rgb(context), box, nullptr, 0);
-        fz_set_pixmap_resolution(context, pixmap, static_cast<int>(layoutDpi),
-                                 static_cast<int>(layoutDpi));
         fz_clear_pixmap_with_value(context, pixmap, 0xFF);
         device = fz_new_draw_device(context, fz_identity, pixmap);
         run(loaded, device);
-        png = fz_new_buffer_from_pixmap_as_png(context, pixmap, fz_default_color_params);
     }
     fz_always(context)
     {
         fz_drop_device(context, device);
-        fz_drop_pixmap(context, pixmap);
     }
     fz_catch(context)
     {
+        fz_drop_pixmap(context, pixmap);
         fz_rethrow(context);
     }
-    return png;
+    return pixmap;
 }
 
 pdf_document *openDocument(fz_context *context, std::string_view bytes)
@@ -311,22 +307,22 @@ std::string PageReader::image(int index)
     fz_context *context = engine->context.get();
     const PageEntry entry = engine->entry(index);
     LoadedPage loaded(context, engine->document);
-    fz_buffer *png = nullptr;
-    fz_var(png);
+    fz_pixmap *pixmap = nullptr;
+    fz_var(pixmap);
     fz_try(context)
     {
         load(&loaded, &entry);
-        png = draw(&loaded);
+        pixmap = draw(&loaded);
     }
     fz_catch(context)
     {
         fail(context);
     }
-    unsigned char *data = nullptr;
-    const std::size_t size = fz_buffer_storage(context, png, &data);
-    const auto drop = [context](fz_buffer *buffer) { fz_drop_buffer(context, buffer); };
-    const std::unique_ptr<fz_buffer, decltype(drop)> guard(png, drop);
-    return {reinterpret_cast<const char *>(data), size};
+    const auto drop = [context](fz_pixmap *drawn) { fz_drop_pixmap(context, drawn); };
+    const std::unique_ptr<fz_pixmap, decltype(drop)> guard(pixmap, drop);
+    const RgbImage image{fz_pixmap_samples(context, pixmap), fz_pixmap_width(context, pixmap),
+                         fz_pixmap_height(context, pixmap), fz_pixmap_stride(context, pixmap)};
+    return pngFile(image, layoutDpi);
 }
 
 } // namespace pdf
