@@ -46,8 +46,11 @@ void Document::open()
     pdf->setSuppressWarnings(true);
     const std::string_view bytes = input.bytes();
     pdf->processMemoryFile(input.path().c_str(), bytes.data(), bytes.size(), "");
-    pageList = readPageList(*pdf, bytes);
+    bytesOfObjects = std::make_unique<ObjectBytes>(*pdf, bytes);
+    pageList = readPageList(*pdf, *bytesOfObjects);
     hadWarnings = pdf->anyWarnings();
+    if (hadWarnings)
+        bytesOfObjects = std::make_unique<ObjectBytes>(*pdf, std::string_view());
     if (hadWarnings && pageList.pages.empty())
         throw Error(ExitCode::InputUnreadable, input.path() + ": is damaged: it has no pages");
 }

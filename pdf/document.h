@@ -26,6 +26,8 @@ public:
     [[nodiscard]] const MappedFile &file() const { return input; }
     [[nodiscard]] QPDF &qpdf() { return *pdf; }
     [[nodiscard]] const PageList &pages() const { return pageList; }
+    /// A quick look at single objects.
+    [[nodiscard]] const ObjectBytes &objectBytes() const { return *bytesOfObjects; }
     /// Whether the permissions allow taking pages out (ISO 32000-1, table 22, bit 11, or bit 4 in
     /// files of security handler revision 2).
     [[nodiscard]] bool mayAssemble();
@@ -38,6 +40,7 @@ private:
 
     MappedFile input;
     std::shared_ptr<QPDF> pdf;
+    std::unique_ptr<ObjectBytes> bytesOfObjects;
     PageList pageList;
     bool hadWarnings = false;
 };

@@ -113,6 +113,12 @@ public:
         return true;
     }
 
+    [[nodiscard]] std::size_t position() const { return pos; }
+    [[nodiscard]] std::string_view textFrom(std::size_t start) const
+    {
+        return in.substr(start, pos - start);
+    }
+
     /// One value of any kind, or the three tokens of a reference.
     bool skipValue()
     {
@@ -202,11 +208,9 @@ private:
     std::size_t pos = 0;
 };
 
-std::optional<PeekedNode> peekDictionary(Scanner &scanner)
+std::optional<RawEntries> entriesOf(Scanner &scanner)
 {
-    PeekedNode result;
-    std::string_view type;
-    bool hasKids = false;
+    RawEntries result;
     scanner.skipBlanks();
     if (!scanner.accept("<<"))
         return std::nullopt;
@@ -215,14 +219,27 @@ std::optional<PeekedNode> peekDictionary(Scanner &scanner)
         if (!scanner.name(key))
             return std::nullopt;
         scanner.skipBlanks();
-        bool understood = false;
+        const std::size_t start = scanner.position();
+        if (!scanner.skipValue())
+            return std::nullopt;
+        result.emplace_back(key, scanner.textFrom(start));
+    }
+    return result;
+}
+
+std::optional<PeekedNode> nodeFrom(const RawEntries &entries)
+{
+    PeekedNode result;
+    std::string_view type;
+    bool hasKids = false;
+    for (const auto &[key, value] : entries) {
+        Scanner scanner(value);
+        bool understood = true;
         if (key == "Type") {
             understood = type.empty() && scanner.name(type);
         } else if (key == "Kids") {
             understood = !hasKids && scanner.referenceArray(result.kids);
             hasKids = true;
-        } else {
-            understood = scanner.skipValue();
         }
         if (!understood)
             return std::nullopt;
@@ -236,8 +253,8 @@ std::optional<PeekedNode> peekDictionary(Scanner &scanner)
 
 } // namespace
 
-std::optional<PeekedNode> peekIndirectObject(std::string_view file, std::size_t offset,
-                                             QPDFObjGen object)
+std::optional<RawEntries> peekIndirectEntries(std::string_view file, std::size_t offset,
+                                              QPDFObjGen object)
 {
     if (offset >= file.size())
         return std::nullopt;
@@ -247,16 +264,46 @@ std::optional<PeekedNode> peekIndirectObject(std::string_view file, std::size_t 
     if (!scanner.number(number) || !scanner.number(generation) || !scanner.keyword("obj") ||
         QPDFObjGen(number, generation) != object)
         return std::nullopt;
-    std::optional<PeekedNode> node = peekDictionary(scanner);
-    if (!node || !scanner.keyword("endobj"))
+    std::optional<RawEntries> entries = entriesOf(scanner);
+    if (!entries || !scanner.keyword("endobj"))
         return std::nullopt;
-    return node;
+    return entries;
 }
 
-std::optional<PeekedNode> peekDictionary(std::string_view text)
+std::optional<PeekedNode> peekIndirectObject(std::string_view file, std::size_t offset,
+                                             QPDFObjGen object)
 {
-    Scanner scanner(text);
-    return peekDictionary(scanner);
+    const std::optional<RawEntries> entries = peekIndirectEntries(file, offset, object);
+    return entries ? nodeFrom(*entries) : std::nullopt;
+}
+
+std::optional<RawEntries> rawEntries(std::string_view dictionary)
+{
+    Scanner scanner(dictionary);
+    return entriesOf(scanner);
+}
+
+std::string_view rawValue(const RawEntries &entries, std::string_view key)
+{
+    for (const auto &[name, value] : entries) {
+        if (name == key)
+            return value;
+    }
+    return {};
+}
+
+std::optional<QPDFObjGen> rawReference(std::string_view value)
+{
+    QPDFObjGen object;
+    Scanner scanner(value);
+    return scanner.reference(object) ? std::optional(object) : std::nullopt;
+}
+
+std::optional<QPDFObjGen> rawFirstReference(std::string_view array)
+{
+    QPDFObjGen object;
+    Scanner scanner(array);
+    return scanner.accept("[") && scanner.reference(object) ? std::optional(object) : std::nullopt;
 }
 
 } // namespace pdf

@@ -7,6 +7,7 @@
 #include <optional>
 #include <qpdf/QPDFObjGen.hh>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace pdf {
@@ -25,7 +26,21 @@ struct PeekedNode
 [[nodiscard]] std::optional<PeekedNode> peekIndirectObject(std::string_view file,
                                                            std::size_t offset, QPDFObjGen object);
 
-/// The same for a dictionary as it stands inside an object stream, from its "<<" on.
-[[nodiscard]] std::optional<PeekedNode> peekDictionary(std::string_view text);
+/// Keys (without slash) and values of a dictionary as they are written.
+using RawEntries = std::vector<std::pair<std::string_view, std::string_view>>;
+
+/// The entries of the dictionary that starts at offset in file as the indirect object. No value
+/// under the same conditions.
+[[nodiscard]] std::optional<RawEntries> peekIndirectEntries(std::string_view file,
+                                                            std::size_t offset, QPDFObjGen object);
+
+/// The entries of a dictionary as it is written, "<<" to ">>".
+[[nodiscard]] std::optional<RawEntries> rawEntries(std::string_view dictionary);
+/// The value of the key among the entries, empty when there is none.
+[[nodiscard]] std::string_view rawValue(const RawEntries &entries, std::string_view key);
+/// The object that a value "7 0 R" refers to.
+[[nodiscard]] std::optional<QPDFObjGen> rawReference(std::string_view value);
+/// The object that the first item of an array "[7 0 R /Fit]" refers to.
+[[nodiscard]] std::optional<QPDFObjGen> rawFirstReference(std::string_view array);
 
 } // namespace pdf

@@ -3,46 +3,11 @@
 
 #include "pdf/pagelist.h"
 
-#include "pdf/objectpeek.h"
-
-#include <algorithm>
 #include <set>
 
 namespace pdf {
 
 namespace {
-
-/// Answers what an object of the page tree is, from its bytes where they are plain.
-class NodeSource
-{
-public:
-    NodeSource(QPDF &document, std::string_view file) : pdf(document), bytes(file)
-    {
-        // Offsets count from the header, which may stand behind other bytes (ISO 32000-1, annex H).
-        const std::size_t header = bytes.substr(0, 1024).find("%PDF-");
-        if (header != std::string_view::npos)
-            bytes.remove_prefix(header);
-        if (!pdf.anyWarnings())
-            offsets = pdf.getXRefTable();
-    }
-
-    /// No value when the object is to be looked at through qpdf.
-    std::optional<PeekedNode> peek(QPDFObjGen object)
-    {
-        const auto entry = offsets.find(object);
-        if (entry == offsets.end())
-            return std::nullopt;
-        if (entry->second.getType() == 1)
-            return peekIndirectObject(bytes, static_cast<std::size_t>(entry->second.getOffset()),
-                                      object);
-        return std::nullopt;
-    }
-
-private:
-    QPDF &pdf;
-    std::string_view bytes;
-    std::map<QPDFObjGen, QPDFXRefEntry> offsets;
-};
 
 bool isTypedAsOther(QPDFObjectHandle &dictionary)
 {
@@ -57,7 +22,7 @@ bool isTypedAsOther(QPDFObjectHandle &dictionary)
 class TreeWalk
 {
 public:
-    TreeWalk(QPDF &document, std::string_view file) : pdf(document), source(document, file) {}
+    TreeWalk(QPDF &document, const ObjectBytes &objectBytes) : pdf(document), bytes(objectBytes) {}
 
     PageList run(const QPDFObjectHandle &root)
     {
@@ -102,7 +67,7 @@ private:
 
     void visitReference(QPDFObjGen object, QPDFObjGen parent)
     {
-        std::optional<PeekedNode> peeked = source.peek(object);
+        std::optional<PeekedNode> peeked = bytes.peekNode(object);
         if (!peeked) {
             visitHandle(pdf.getObject(object), parent);
         } else if (peeked->isPage) {
@@ -117,7 +82,7 @@ private:
 
     void visitHandle(const QPDFObjectHandle &object, QPDFObjGen parent)
     {
-        if (object.isIndirect() && source.peek(object.getObjGen()))
+        if (object.isIndirect() && bytes.peekNode(object.getObjGen()))
             visitReference(object.getObjGen(), parent);
         else
             enterIndirect(object, parent);
@@ -146,7 +111,7 @@ private:
     }
 
     QPDF &pdf;
-    NodeSource source;
+    const ObjectBytes &bytes;
     PageList list;
     std::vector<Level> levels;
     std::set<QPDFObjGen> visited;
@@ -185,18 +150,40 @@ bool isEmptyTree(QPDFObjectHandle root)
     return kids.isArray() && kids.getArrayNItems() == 0;
 }
 
+/// An attribute's value and the node it comes from, no number when the page has it itself.
+struct Attribute
+{
+    QPDFObjectHandle value;
+    QPDFObjGen node;
+};
+
+Attribute lookUp(QPDF &pdf, const PageList &list, const PageEntry &entry, const std::string &key)
+{
+    Attribute found{pdf.getObject(entry.page).getKey(key), {}};
+    QPDFObjGen node = entry.parent;
+    // A damaged file can hold nodes that are each other's parents.
+    std::size_t steps = list.nodeParents.size() + 1;
+    while (found.value.isNull() && node.isIndirect() && steps-- > 0) {
+        QPDFObjectHandle dictionary = pdf.getObject(node);
+        if (!dictionary.isDictionary())
+            break;
+        found = {dictionary.getKey(key), node};
+        const auto above = list.nodeParents.find(node);
+        node = above == list.nodeParents.end() ? QPDFObjGen() : above->second;
+    }
+    return found;
+}
+
 } // namespace
 
-PageList readPageList(QPDF &pdf, std::string_view file)
+PageList readPageList(QPDF &pdf, const ObjectBytes &bytes)
 {
-    PageList list;
-    // A walk that meets damage may make qpdf rebuild its table of offsets, after which objects seen
-    // before can read differently. The second walk sees the rebuilt table from the start.
-    for (int attempt = 0; attempt < 2; ++attempt) {
-        const std::size_t warnings = pdf.numWarnings();
-        list = TreeWalk(pdf, file).run(pageTreeRoot(pdf));
-        if (pdf.numWarnings() == warnings)
-            break;
+    const std::size_t warnings = pdf.numWarnings();
+    PageList list = TreeWalk(pdf, bytes).run(pageTreeRoot(pdf));
+    if (pdf.numWarnings() != warnings) {
+        // A walk that meets damage may make qpdf rebuild its table of offsets, after which objects
+        // seen before can read differently. A second walk sees the rebuilt table from the start.
+        list = TreeWalk(pdf, ObjectBytes(pdf, {})).run(pageTreeRoot(pdf));
     }
     if (list.pages.empty() && !isEmptyTree(pageTreeRoot(pdf)))
         return allPageObjects(pdf);
@@ -206,19 +193,13 @@ PageList readPageList(QPDF &pdf, std::string_view file)
 QPDFObjectHandle inheritedAttribute(QPDF &pdf, const PageList &list, const PageEntry &entry,
                                     const std::string &key)
 {
-    QPDFObjectHandle value = pdf.getObject(entry.page).getKey(key);
-    QPDFObjGen node = entry.parent;
-    // A damaged file can hold nodes that are each other's parents.
-    std::size_t steps = list.nodeParents.size() + 1;
-    while (value.isNull() && node.isIndirect() && steps-- > 0) {
-        QPDFObjectHandle dictionary = pdf.getObject(node);
-        if (!dictionary.isDictionary())
-            break;
-        value = dictionary.getKey(key);
-        const auto above = list.nodeParents.find(node);
-        node = above == list.nodeParents.end() ? QPDFObjGen() : above->second;
-    }
-    return value;
+    return lookUp(pdf, list, entry, key).value;
+}
+
+QPDFObjGen inheritedFrom(QPDF &pdf, const PageList &list, const PageEntry &entry,
+                         const std::string &key)
+{
+    return lookUp(pdf, list, entry, key).node;
 }
 
 } // namespace pdf

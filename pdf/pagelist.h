@@ -3,10 +3,11 @@
 
 #pragma once
 
+#include "pdf/objectbytes.h"
+
 #include <map>
 #include <qpdf/QPDF.hh>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace pdf {
@@ -40,12 +41,16 @@ public:
     [[nodiscard]] int count() const { return static_cast<int>(pages.size()); }
 };
 
-/// Reads the page list of an open document; file is the bytes it was opened from.
-[[nodiscard]] PageList readPageList(QPDF &pdf, std::string_view file);
+/// Reads the page list of an open document.
+[[nodiscard]] PageList readPageList(QPDF &pdf, const ObjectBytes &bytes);
 
 /// The value of an attribute that pages inherit (ISO 32000-1, table 30: /Resources, /MediaBox,
 /// /CropBox, /Rotate): the page's own or the nearest one above it in the tree, null if none.
 [[nodiscard]] QPDFObjectHandle inheritedAttribute(QPDF &pdf, const PageList &list,
                                                   const PageEntry &entry, const std::string &key);
+
+/// The page tree node whose attribute the page inherits, no number when it has its own or none.
+[[nodiscard]] QPDFObjGen inheritedFrom(QPDF &pdf, const PageList &list, const PageEntry &entry,
+                                       const std::string &key);
 
 } // namespace pdf
