@@ -23,7 +23,8 @@ public:
     }
 
     /// Sets aside an object of the target for each annotation of the page, so that annotations can
-    /// refer to each other. To be called for all pages before the first copyPage().
+    /// refer to each other. To be called for all pages, when these are mapped, before the first
+    /// copyPage().
     void announcePage(const QPDFObjectHandle &sourcePage, const QPDFObjectHandle &targetPage,
                       bool isRepetition);
     /// Copies the annotations of the page announced as number index (from 0, in the order of the
@@ -35,6 +36,7 @@ private:
     {
         QPDFObjectHandle original;
         QPDFObjectHandle copied;
+        bool isListed = true; ///< in the page's /Annots
     };
     struct Page
     {
@@ -43,7 +45,9 @@ private:
         bool isRepetition = false;
     };
 
-    bool copyAnnotation(const Annotation &annotation, const Page &page);
+    bool leadsNowhere(QPDFObjectHandle annotation);
+    void announce(QPDFObjectHandle original, Page &page, bool isListed);
+    void copyAnnotation(const Annotation &annotation, const Page &page);
     void copyEntry(QPDFObjectHandle &copied, const std::string &key, const QPDFObjectHandle &value);
 
     ObjectCopier &copier;

@@ -4,11 +4,17 @@
 #include "pdf/assembly.h"
 
 #include "pdf/annotations.h"
+#include "pdf/catalog.h"
 #include "pdf/destinations.h"
 #include "pdf/error.h"
 #include "pdf/formfields.h"
 #include "pdf/layers.h"
 #include "pdf/objectcopier.h"
+#include "pdf/outline.h"
+#include "pdf/pagecopier.h"
+#include "pdf/pagelabels.h"
+#include "pdf/resources.h"
+#include "pdf/structuretree.h"
 
 #include <qpdf/Pipeline.hh>
 #include <qpdf/QPDFWriter.hh>
@@ -40,7 +46,9 @@ class Assembly
 public:
     explicit Assembly(Document &input)
         : document(input), target(emptyDocument()), copier(input.qpdf(), *target),
-          destinations(input, copier), fields(copier), annotations(copier, destinations, fields)
+          destinations(input, copier), fields(copier, destinations),
+          annotations(copier, destinations, fields), resources(copier),
+          pageCopier(input, copier, destinations, resources)
     {
     }
 
@@ -49,15 +57,21 @@ public:
         const std::vector<QPDFObjectHandle> pages = announce(indexes);
         QPDFObjectHandle root = target->getRoot().getKey("/Pages");
         for (std::size_t i = 0; i < pages.size(); ++i) {
-            QPDFObjectHandle page = copyPage(entryOf(indexes[i]));
+            const PageEntry &entry = entryOf(indexes[i]);
+            QPDFObjectHandle page = pageCopier.copy(entry);
             page.replaceKey("/Parent", root);
             page.replaceKey("/Annots", annotations.copyPage(i));
+            if (!isRepetition[i])
+                page.replaceKey(
+                    "/StructParents",
+                    copier.structureKey(
+                        document.qpdf().getObject(entry.page).getKey("/StructParents")));
             target->replaceObject(pages[i].getObjGen(), page);
         }
         root.replaceKey("/Kids", QPDFObjectHandle::newArray(pages));
         root.replaceKey("/Count", QPDFObjectHandle::newInteger(static_cast<int>(pages.size())));
         copier.finish();
-        copyDocumentEntries();
+        addDocumentStructure(indexes);
     }
 
     void write(OutputFile &output)
@@ -93,11 +107,10 @@ private:
     }
 
     /// Sets aside the objects of all pages and annotations, so that links between them can be
-    /// copied in any order.
+    /// copied in any order, and those of shared resources.
     std::vector<QPDFObjectHandle> announce(const std::vector<int> &indexes)
     {
         std::vector<QPDFObjectHandle> pages;
-        std::vector<bool> isRepetition;
         for (const int index : indexes) {
             const QPDFObjGen number = entryOf(index).page;
             const QPDFObjectHandle page = copier.placeholder();
@@ -107,81 +120,32 @@ private:
             pages.push_back(page);
         }
         for (std::size_t i = 0; i < pages.size(); ++i) {
-            const QPDFObjectHandle original = document.qpdf().getObject(entryOf(indexes[i]).page);
-            annotations.announcePage(original, pages[i], isRepetition[i]);
+            const PageEntry &entry = entryOf(indexes[i]);
+            annotations.announcePage(document.qpdf().getObject(entry.page), pages[i],
+                                     isRepetition[i]);
+            if (!isRepetition[i])
+                pageCopier.announce(entry);
         }
+        if (fields.hasFields())
+            resources.addFormDefaults(fields.defaultResources());
+        resources.mapShared();
         return pages;
     }
 
-    QPDFObjectHandle copyPage(const PageEntry &entry)
+    /// What stands above the pages and is found from them: each part looks at what was copied
+    /// before it.
+    void addDocumentStructure(const std::vector<int> &indexes)
     {
-        // Everything else a page can hold leads to other pages, to the structure tree or into
-        // applications' private data.
-        static const char *const keys[] = {"/Contents", "/BleedBox", "/TrimBox",      "/ArtBox",
-                                           "/UserUnit", "/Group",    "/Trans",        "/Dur",
-                                           "/Tabs",     "/Metadata", "/LastModified", "/VP"};
-        QPDFObjectHandle original = document.qpdf().getObject(entry.page);
-        QPDFObjectHandle page = QPDFObjectHandle::newDictionary();
-        page.replaceKey("/Type", QPDFObjectHandle::newName("/Page"));
-        for (const char *key : keys)
-            page.replaceKey(key, copier.copy(original.getKey(key)));
-        copyBox(page, entry, "/MediaBox");
-        copyBox(page, entry, "/CropBox");
-        page.replaceKey("/Rotate", copier.copy(inherited(entry, "/Rotate")));
-        if (!page.hasKey("/MediaBox"))
-            page.replaceKey("/MediaBox", QPDFObjectHandle::parse("[0 0 612 792]"));
-        page.replaceKey("/Resources", copyResources(entry));
-        return page;
-    }
-
-    void copyBox(QPDFObjectHandle &page, const PageEntry &entry, const char *key)
-    {
-        QPDFObjectHandle box = inherited(entry, key);
-        if (box.isRectangle())
-            page.replaceKey(key, copier.copy(box));
-    }
-
-    QPDFObjectHandle inherited(const PageEntry &entry, const char *key)
-    {
-        return inheritedAttribute(document.qpdf(), document.pages(), entry, key);
-    }
-
-    /// Resources that stand directly in a node of the page tree serve all pages below it and are
-    /// written once.
-    QPDFObjectHandle copyResources(const PageEntry &entry)
-    {
-        QPDFObjectHandle resources = inherited(entry, "/Resources");
-        if (!resources.isDictionary())
-            return QPDFObjectHandle::newDictionary();
-        if (resources.isIndirect() || document.qpdf().getObject(entry.page).hasKey("/Resources"))
-            return copier.copy(resources);
-        for (const auto &[original, copied] : nodeResources) {
-            if (original.isSameObjectAs(resources))
-                return copied;
-        }
-        nodeResources.emplace_back(resources, copier.copyAsIndirect(resources));
-        return nodeResources.back().second;
-    }
-
-    void copyDocumentEntries()
-    {
-        QPDFObjectHandle from = document.qpdf().getTrailer().getKey("/Root");
-        QPDFObjectHandle to = target->getRoot();
-        for (const char *key :
-             {"/Lang", "/PageLayout", "/Metadata", "/OutputIntents", "/Extensions"})
-            to.replaceKey(key, copier.copy(from.getKey(key)));
-        QPDFObjectHandle preferences = copier.copy(from.getKey("/ViewerPreferences"));
-        if (preferences.isDictionary()) {
-            preferences.removeKey("/PrintPageRange");
-            to.replaceKey("/ViewerPreferences", preferences);
-        }
-        to.replaceKey("/AcroForm", fields.formDictionary());
-        QPDFObjectHandle info = document.qpdf().getTrailer().getKey("/Info");
-        if (info.isDictionary())
-            target->getTrailer().replaceKey(
-                "/Info", info.isIndirect() ? copier.copy(info) : copier.copyAsIndirect(info));
+        QPDFObjectHandle catalog = target->getRoot();
+        copyDocumentEntries(copier, destinations);
+        catalog.replaceKey("/PageLabels", copyPageLabels(copier, indexes));
+        catalog.replaceKey("/AcroForm", fields.formDictionary());
+        catalog.replaceKey("/StructTreeRoot", StructureCopier(document, copier).copyTree());
+        catalog.replaceKey("/Outlines",
+                           OutlineCopier(document, copier, destinations).copyOutline());
+        copyNames(copier, destinations);
         copier.finish();
-        to.replaceKey("/OCProperties", copyLayerProperties(copier));
+        catalog.replaceKey("/OCProperties", copyLayerProperties(copier));
         copier.finish();
     }
 
@@ -204,7 +168,9 @@ private:
     DestinationCopier destinations;
     FormFieldCopier fields;
     AnnotationCopier annotations;
-    std::vector<std::pair<QPDFObjectHandle, QPDFObjectHandle>> nodeResources;
+    ResourceCopier resources;
+    PageCopier pageCopier;
+    std::vector<bool> isRepetition;
 };
 
 } // namespace

@@ -3,8 +3,6 @@
 
 #include "pdf/destinations.h"
 
-#include <qpdf/QPDFNameTreeObjectHelper.hh>
-
 namespace pdf {
 
 namespace {
@@ -17,28 +15,32 @@ QPDFObjectHandle nothing()
     return QPDFObjectHandle::newNull();
 }
 
+/// What can stand for an action left out: the action after it, the first where there are several.
+QPDFObjectHandle withoutBranches(QPDFObjectHandle following)
+{
+    return following.isArray() ? following.getArrayItem(0) : following;
+}
+
+QPDFObjectHandle nameTreeRoot(QPDFObjectHandle catalog)
+{
+    QPDFObjectHandle names = catalog.getKey("/Names");
+    return names.isDictionary() ? names.getKey("/Dests") : nothing();
+}
+
 } // namespace
+
+DestinationCopier::DestinationCopier(Document &inputDocument, ObjectCopier &objectCopier)
+    : document(inputDocument), copier(objectCopier),
+      nameTree(nameTreeRoot(objectCopier.sourceCatalog()), KeyTree::Kind::Names)
+{
+}
 
 QPDFObjectHandle DestinationCopier::named(QPDFObjectHandle name)
 {
-    QPDFObjectHandle catalog = document.qpdf().getTrailer().getKey("/Root");
-    if (name.isName()) {
-        QPDFObjectHandle names = catalog.getKey("/Dests");
-        return names.isDictionary() ? names.getKey(name.getName()) : nothing();
-    }
-    QPDFObjectHandle names = catalog.getKey("/Names");
-    QPDFObjectHandle tree = names.isDictionary() ? names.getKey("/Dests") : nothing();
-    QPDFObjectHandle found = nothing();
-    if (tree.isDictionary()) {
-        try {
-            QPDFNameTreeObjectHelper(tree, document.qpdf(), false)
-                .findObject(name.getUTF8Value(), found);
-        } catch (const std::exception &) {
-            // A damaged name tree names nothing; the page itself is still good.
-            return nothing();
-        }
-    }
-    return found;
+    if (name.isString())
+        return nameTree.find(name.getStringValue());
+    QPDFObjectHandle names = copier.sourceCatalog().getKey("/Dests");
+    return names.isDictionary() ? names.getKey(name.getName()) : nothing();
 }
 
 QPDFObjectHandle DestinationCopier::targetPage(QPDFObjectHandle page)
@@ -52,23 +54,75 @@ QPDFObjectHandle DestinationCopier::targetPage(QPDFObjectHandle page)
     return page.isIndirect() && page.isDictionary() ? copier.mapped(page.getObjGen()) : nothing();
 }
 
+QPDFObjectHandle DestinationCopier::explicitArray(QPDFObjectHandle destination)
+{
+    if (destination.isName() || destination.isString())
+        destination = named(destination);
+    if (destination.isDictionary())
+        destination = destination.getKey("/D");
+    return destination.isArray() && destination.getArrayNItems() > 0 ? destination : nothing();
+}
+
+QPDFObjectHandle DestinationCopier::targetOf(const QPDFObjectHandle &destination)
+{
+    QPDFObjectHandle array = explicitArray(destination);
+    return array.isArray() ? targetPage(array.getArrayItem(0)) : nothing();
+}
+
 QPDFObjectHandle DestinationCopier::copyDestination(const QPDFObjectHandle &destination)
 {
-    QPDFObjectHandle value = destination;
-    if (value.isName() || value.isString())
-        value = named(value);
-    if (value.isDictionary())
-        value = value.getKey("/D");
-    if (!value.isArray() || value.getArrayNItems() == 0)
+    const QPDFObjectHandle page = targetOf(destination);
+    if (!page.isIndirect())
         return nothing();
-    std::vector<QPDFObjectHandle> items = value.getArrayAsVector();
-    QPDFObjectHandle page = targetPage(items.front());
-    if (page.isNull() && !page.isIndirect())
-        return nothing();
+    std::vector<QPDFObjectHandle> items = explicitArray(destination).getArrayAsVector();
     for (QPDFObjectHandle &item : items)
         item = copier.copy(item);
     items.front() = page;
-    return QPDFObjectHandle::newArray(items);
+    const QPDFObjectHandle copied = QPDFObjectHandle::newArray(items);
+    QPDFObjectHandle name = destination;
+    if (name.isName()) {
+        usedNames.emplace(name.getName(), copied);
+        return QPDFObjectHandle::newName(name.getName());
+    }
+    if (name.isString()) {
+        usedStrings.emplace(name.getStringValue(), copied);
+        return QPDFObjectHandle::newString(name.getStringValue());
+    }
+    return copied;
+}
+
+QPDFObjectHandle DestinationCopier::usedNameDictionary() const
+{
+    return usedNames.empty() ? nothing() : QPDFObjectHandle::newDictionary(usedNames);
+}
+
+QPDFObjectHandle DestinationCopier::usedNameTree() const
+{
+    if (usedStrings.empty())
+        return nothing();
+    QPDFObjectHandle pairs = QPDFObjectHandle::newArray();
+    for (const auto &[name, destination] : usedStrings) {
+        pairs.appendItem(QPDFObjectHandle::newString(name));
+        pairs.appendItem(destination);
+    }
+    return QPDFObjectHandle::newDictionary({{"/Names", pairs}});
+}
+
+bool DestinationCopier::isKept(const QPDFObjectHandle &action)
+{
+    // Branches are followed by their first action, which is enough to know a dead end.
+    QPDFObjectHandle current = action;
+    for (int depth = 0; current.isDictionary() && depth <= maximalActionDepth; ++depth) {
+        QPDFObjectHandle kind = current.getKey("/S");
+        const bool isJump = kind.isNameAndEquals("/GoTo");
+        const bool leadsOutside = isJump && !targetOf(current.getKey("/D")).isIndirect();
+        if (!leadsOutside && !kind.isNameAndEquals("/Thread"))
+            return true;
+        current = current.getKey("/Next");
+        if (current.isArray())
+            return true;
+    }
+    return false;
 }
 
 QPDFObjectHandle DestinationCopier::copyAction(const QPDFObjectHandle &action)
@@ -80,14 +134,15 @@ QPDFObjectHandle DestinationCopier::copyActionChain(QPDFObjectHandle action, int
 {
     if (!action.isDictionary() || depth > maximalActionDepth)
         return nothing();
+    const QPDFObjectHandle following = copyFollowing(action.getKey("/Next"), depth + 1);
     QPDFObjectHandle kind = action.getKey("/S");
     QPDFObjectHandle copied = QPDFObjectHandle::newDictionary();
     if (kind.isNameAndEquals("/Thread"))
-        return nothing();
+        return withoutBranches(following);
     if (kind.isNameAndEquals("/GoTo")) {
         const QPDFObjectHandle destination = copyDestination(action.getKey("/D"));
         if (QPDFObjectHandle(destination).isNull())
-            return nothing();
+            return withoutBranches(following);
         copied.replaceKey("/S", QPDFObjectHandle::newName("/GoTo"));
         copied.replaceKey("/D", destination);
     } else {
@@ -96,7 +151,7 @@ QPDFObjectHandle DestinationCopier::copyActionChain(QPDFObjectHandle action, int
                 copied.replaceKey(key, copier.copy(value));
         }
     }
-    copied.replaceKey("/Next", copyFollowing(action.getKey("/Next"), depth + 1));
+    copied.replaceKey("/Next", following);
     return copied;
 }
 

@@ -33,13 +33,37 @@ bool isField(QPDFObjectHandle dictionary)
     return dictionary.hasKey("/T") || dictionary.hasKey("/FT");
 }
 
+/// Whether the object can be a field above others. In damaged files /Parent leads anywhere, to
+/// pages for instance.
+bool isFieldNode(QPDFObjectHandle object)
+{
+    return object.isIndirect() && object.isDictionary() && !object.hasKey("/Contents") &&
+           !object.hasKey("/Count") && (isField(object) || object.hasKey("/Kids"));
+}
+
 } // namespace
 
-FormFieldCopier::FormFieldCopier(ObjectCopier &objectCopier)
-    : copier(objectCopier), rootFields(QPDFObjectHandle::newArray())
+FormFieldCopier::FormFieldCopier(ObjectCopier &objectCopier, DestinationCopier &destinationCopier)
+    : copier(objectCopier), destinations(destinationCopier),
+      sourceForm(objectCopier.sourceCatalog().getKey("/AcroForm")),
+      rootFields(QPDFObjectHandle::newArray())
 {
-    QPDFObjectHandle catalog = copier.sourceDocument().getTrailer().getKey("/Root");
-    sourceForm = catalog.getKey("/AcroForm");
+}
+
+void FormFieldCopier::announce(const QPDFObjectHandle &widget)
+{
+    if (isSigned(widget))
+        return;
+    hasAnnounced = true;
+    QPDFObjectHandle above = QPDFObjectHandle(widget).getKey("/Parent");
+    for (int level = 0; isFieldNode(above) && level < maximalFieldDepth; ++level) {
+        if (copier.isMapped(above.getObjGen()))
+            return;
+        const QPDFObjectHandle copied = copier.placeholder();
+        copier.map(above.getObjGen(), copied);
+        ancestors[above.getObjGen()].copied = copied;
+        above = above.getKey("/Parent");
+    }
 }
 
 void FormFieldCopier::attach(QPDFObjectHandle original, QPDFObjectHandle widget,
@@ -53,38 +77,40 @@ void FormFieldCopier::attach(QPDFObjectHandle original, QPDFObjectHandle widget,
     QPDFObjectHandle lower = widget;
     QPDFObjectHandle lowerReference = reference;
     QPDFObjectHandle above = original.getKey("/Parent");
-    for (int level = 0; above.isDictionary() && level < maximalFieldDepth; ++level) {
-        if (!above.isIndirect())
+    while (Ancestor *parent = ancestor(above)) {
+        lower.replaceKey("/Parent", parent->copied);
+        const bool isNew = !parent->isFilled;
+        if (isNew)
+            fill(above, *parent);
+        parent->copied.getKey("/Kids").appendItem(lowerReference);
+        if (!isNew)
             return;
-        const Ancestor parent = ancestor(above);
-        QPDFObjectHandle dictionary = parent.reference;
-        lower.replaceKey("/Parent", parent.reference);
-        dictionary.getKey("/Kids").appendItem(lowerReference);
-        if (!parent.isNew)
-            return;
-        lower = dictionary;
-        lowerReference = parent.reference;
+        lower = parent->copied;
+        lowerReference = parent->copied;
         above = above.getKey("/Parent");
     }
     if (isField(lower))
         rootFields.appendItem(lowerReference);
 }
 
-FormFieldCopier::Ancestor FormFieldCopier::ancestor(QPDFObjectHandle original)
+FormFieldCopier::Ancestor *FormFieldCopier::ancestor(const QPDFObjectHandle &field)
 {
-    const QPDFObjGen number = original.getObjGen();
-    QPDFObjectHandle known = copier.mapped(number);
-    if (known.isDictionary() && known.hasKey("/Kids"))
-        return {known, false};
+    const auto found = ancestors.find(field.getObjGen());
+    return found == ancestors.end() ? nullptr : &found->second;
+}
+
+void FormFieldCopier::fill(const QPDFObjectHandle &original, Ancestor &field)
+{
     QPDFObjectHandle copied = QPDFObjectHandle::newDictionary();
-    for (const auto &[key, value] : original.getDictAsMap()) {
-        if (key != "/Kids" && key != "/Parent" && key != "/P")
+    for (const auto &[key, value] : QPDFObjectHandle(original).getDictAsMap()) {
+        if (key == "/AA")
+            copied.replaceKey(key, destinations.copyAdditionalActions(value));
+        else if (key != "/Kids" && key != "/Parent" && key != "/P")
             copied.replaceKey(key, copier.copy(value));
     }
     copied.replaceKey("/Kids", QPDFObjectHandle::newArray());
-    QPDFObjectHandle reference = copier.targetDocument().makeIndirectObject(copied);
-    copier.map(number, reference);
-    return {reference, true};
+    copier.targetDocument().replaceObject(field.copied.getObjGen(), copied);
+    field.isFilled = true;
 }
 
 void FormFieldCopier::makePicture(QPDFObjectHandle widget)

@@ -3,9 +3,10 @@
 
 #pragma once
 
+#include "pdf/destinations.h"
 #include "pdf/objectcopier.h"
 
-#include <vector>
+#include <map>
 
 namespace pdf {
 
@@ -16,8 +17,18 @@ namespace pdf {
 class FormFieldCopier
 {
 public:
-    explicit FormFieldCopier(ObjectCopier &objectCopier);
+    FormFieldCopier(ObjectCopier &objectCopier, DestinationCopier &destinationCopier);
 
+    /// Sets aside objects of the target for the fields above the widget, which actions can name. To
+    /// be called for all widgets before the first attach().
+    void announce(const QPDFObjectHandle &widget);
+    /// Whether a widget was announced whose field remains one.
+    [[nodiscard]] bool hasFields() const { return hasAnnounced; }
+    /// The source's resources for the appearances of all fields.
+    [[nodiscard]] QPDFObjectHandle defaultResources()
+    {
+        return sourceForm.isDictionary() ? sourceForm.getKey("/DR") : QPDFObjectHandle::newNull();
+    }
     /// Ties the copied widget to copies of the fields above it. widget is the copied dictionary
     /// still to be put at the place of reference.
     void attach(QPDFObjectHandle original, QPDFObjectHandle widget,
@@ -30,16 +41,21 @@ public:
     [[nodiscard]] QPDFObjectHandle formDictionary();
 
 private:
+    /// The target's object for a field of the source above a widget.
     struct Ancestor
     {
-        QPDFObjectHandle reference;
-        bool isNew = false;
+        QPDFObjectHandle copied;
+        bool isFilled = false;
     };
 
-    Ancestor ancestor(QPDFObjectHandle original);
+    Ancestor *ancestor(const QPDFObjectHandle &field);
+    void fill(const QPDFObjectHandle &original, Ancestor &field);
     QPDFObjectHandle calculationOrder();
 
     ObjectCopier &copier;
+    DestinationCopier &destinations;
+    std::map<QPDFObjGen, Ancestor> ancestors;
+    bool hasAnnounced = false;
     QPDFObjectHandle sourceForm;
     QPDFObjectHandle rootFields;
 };

@@ -35,8 +35,8 @@ bool isStructural(QPDFObjectHandle dictionary)
     return isAnnotation || isField || isTreeNode || isOutlineItem;
 }
 
-/// Keys that lead into the structure tree or into an application's private data, which are not
-/// taken along, from dictionaries of any kind.
+/// Keys that are not taken along from dictionaries of any kind: numbers of the structure tree,
+/// which are given anew where they count, and applications' private data.
 bool isLeftOut(const std::string &key)
 {
     static constexpr std::array<std::string_view, 3> keys = {"/StructParent", "/StructParents",
@@ -88,6 +88,15 @@ void ObjectCopier::finish()
         else
             target.replaceObject(next.copied.getObjGen(), copyDirect(next.original));
     }
+}
+
+QPDFObjectHandle ObjectCopier::structureKey(QPDFObjectHandle sourceKey)
+{
+    int number = 0;
+    if (!sourceKey.getValueAsInt(number))
+        return QPDFObjectHandle::newNull();
+    sourceStructureKeys.push_back(number);
+    return QPDFObjectHandle::newInteger(static_cast<int>(sourceStructureKeys.size()) - 1);
 }
 
 QPDFObjectHandle ObjectCopier::copyReference(QPDFObjectHandle object)
@@ -155,7 +164,10 @@ void ObjectCopier::fillStream(QPDFObjectHandle original, QPDFObjectHandle copied
     std::map<std::string, QPDFObjectHandle> entries = dictionary.getDictAsMap();
     // The writer states the length of what it writes; a copied reference would be a stray object.
     entries.erase("/Length");
-    copied.replaceDict(copyDictionary(QPDFObjectHandle::newDictionary(entries)));
+    QPDFObjectHandle copiedDictionary = copyDictionary(QPDFObjectHandle::newDictionary(entries));
+    for (const char *key : {"/StructParents", "/StructParent"})
+        copiedDictionary.replaceKey(key, structureKey(dictionary.getKey(key)));
+    copied.replaceDict(copiedDictionary);
     const auto provide = [original](Pipeline *out, bool suppressWarnings, bool) mutable {
         return original.pipeStreamData(out, nullptr, 0, qpdf_dl_none, suppressWarnings, false);
     };

@@ -33,6 +33,11 @@ public:
     /// The value as one for the target. References inside are given their objects at once and
     /// those their contents by finish(). Null for a reference that is left out.
     [[nodiscard]] QPDFObjectHandle copy(const QPDFObjectHandle &value);
+    /// The contents of an indirect object, as copy() gives those of a direct one.
+    [[nodiscard]] QPDFObjectHandle copyContents(const QPDFObjectHandle &value)
+    {
+        return copyDirect(value);
+    }
     /// A copy of a direct value as an indirect object of the target.
     [[nodiscard]] QPDFObjectHandle copyAsIndirect(const QPDFObjectHandle &value);
     /// An indirect object of the target to be filled later with replaceObject().
@@ -43,6 +48,16 @@ public:
 
     [[nodiscard]] QPDF &sourceDocument() { return source; }
     [[nodiscard]] QPDF &targetDocument() { return target; }
+    /// The source's catalog, in a damaged file possibly no dictionary.
+    [[nodiscard]] QPDFObjectHandle sourceCatalog() { return source.getTrailer().getKey("/Root"); }
+
+    /// The number under which a copied object finds its structure elements in the target: the value
+    /// for its /StructParents or /StructParent, null when the source's value is no number (ISO
+    /// 32000-1, 14.7.4.4). Each object of the target needs numbers of its own.
+    [[nodiscard]] QPDFObjectHandle structureKey(QPDFObjectHandle sourceKey);
+    /// The source's number for each of the target's, which count from 0. Grows while streams are
+    /// copied.
+    [[nodiscard]] const std::vector<int> &structureKeys() const { return sourceStructureKeys; }
 
 private:
     struct Pending
@@ -61,6 +76,7 @@ private:
     QPDF &target;
     std::map<QPDFObjGen, QPDFObjectHandle> mapping;
     std::vector<Pending> pending;
+    std::vector<int> sourceStructureKeys;
 };
 
 } // namespace pdf

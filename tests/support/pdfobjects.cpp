@@ -7,6 +7,9 @@
 #include <QStringList>
 
 #include <qpdf/QPDF.hh>
+#include <qpdf/QPDFNameTreeObjectHelper.hh>
+#include <qpdf/QPDFNumberTreeObjectHelper.hh>
+#include <qpdf/QPDFPageLabelDocumentHelper.hh>
 #include <qpdf/QPDFWriter.hh>
 
 namespace pdfobjects {
@@ -25,6 +28,20 @@ QByteArray syntaxOf(QPDFObjectHandle object)
 {
     return QByteArray::fromStdString(object.isStream() ? object.getDict().unparseResolved()
                                                        : object.unparseResolved());
+}
+
+/// The destination that a name stands for in the catalog of the file.
+QPDFObjectHandle resolved(QPDF &pdf, QPDFObjectHandle destination)
+{
+    QPDFObjectHandle catalog = pdf.getRoot();
+    if (destination.isName())
+        destination = catalog.getKey("/Dests").getKey(destination.getName());
+    if (destination.isString()) {
+        const std::string name = destination.getUTF8Value();
+        QPDFNameTreeObjectHelper tree(catalog.getKey("/Names").getKey("/Dests"), pdf);
+        tree.findObject(name, destination);
+    }
+    return destination;
 }
 
 QByteArray dataOf(QPDFObjectHandle stream)
@@ -86,12 +103,83 @@ QString linkTargets(const QString &file)
             QPDFObjectHandle destination = annotation.getKey("/Dest");
             if (annotation.getKey("/A").isDictionary())
                 destination = annotation.getKey("/A").getKey("/D");
+            destination = resolved(*pdf, destination);
             if (destination.isArray())
                 target = pdf->findPage(destination.getArrayItem(0).getObjGen());
         }
         targets.append(QString::number(target));
     }
     return targets.join(QLatin1Char(' '));
+}
+
+QStringList labels(const QString &file)
+{
+    const std::shared_ptr<QPDF> pdf = open(file);
+    QPDFPageLabelDocumentHelper helper(*pdf);
+    QStringList result;
+    for (std::size_t i = 0; i < pdf->getAllPages().size(); ++i) {
+        QPDFObjectHandle label = helper.getLabelForPage(static_cast<long long>(i));
+        const char *const roman[] = {"", "i", "ii", "iii", "iv", "v"};
+        const int number = label.hasKey("/St") ? label.getKey("/St").getIntValueAsInt() : 1;
+        const bool isRoman = label.getKey("/S").isNameAndEquals("/r") && number <= 5;
+        const std::string prefix =
+            label.hasKey("/P") ? label.getKey("/P").getUTF8Value() : std::string();
+        result.append(QString::fromStdString(prefix) +
+                      (isRoman ? QString(roman[number]) : QString::number(number)));
+    }
+    return result;
+}
+
+int listLength(const QString &file, const char *key)
+{
+    const std::shared_ptr<QPDF> pdf = open(file);
+    QPDFObjectHandle catalog = pdf->getRoot();
+    for (QPDFObjectHandle dictionary :
+         {catalog.getKey("/AcroForm"), catalog.getKey("/OCProperties").getKey("/D")}) {
+        if (dictionary.isDictionary() && dictionary.hasKey(key))
+            return dictionary.getKey(key).getArrayNItems();
+    }
+    return -1;
+}
+
+QString structureFaults(const QString &file)
+{
+    const std::shared_ptr<QPDF> pdf = open(file);
+    QPDFObjectHandle root = pdf->getRoot().getKey("/StructTreeRoot");
+    if (!root.isDictionary())
+        return QStringLiteral("no structure tree");
+    QPDFNumberTreeObjectHelper parents(root.getKey("/ParentTree"), *pdf);
+    const auto isListed = [](QPDFObjectHandle element) {
+        for (QPDFObjectHandle kid : element.getKey("/P").getKey("/K").aitems()) {
+            if (kid.getObjGen() == element.getObjGen())
+                return true;
+        }
+        return false;
+    };
+    QString faults;
+    const auto check = [&](QPDFObjectHandle key, const char *kind, auto isRight) {
+        QPDFObjectHandle found;
+        if (!key.isInteger() || !parents.findObject(key.getIntValue(), found))
+            faults += QString(kind) + QStringLiteral(" has no entry\n");
+        else if (QPDFObjectHandle element = found.isArray() ? found.getArrayItem(0) : found;
+                 !isListed(element) || !isRight(element))
+            faults += QString(kind) + QStringLiteral(" leads to a wrong element\n");
+    };
+    for (QPDFObjectHandle page : pdf->getAllPages()) {
+        check(page.getKey("/StructParents"), "page", [&](QPDFObjectHandle element) {
+            return element.getKey("/Pg").getObjGen() == page.getObjGen() &&
+                   element.getKey("/K").isInteger();
+        });
+        for (QPDFObjectHandle annotation : page.getKey("/Annots").aitems()) {
+            if (annotation.hasKey("/StructParent"))
+                check(annotation.getKey("/StructParent"), "annotation",
+                      [&](QPDFObjectHandle element) {
+                          return element.getKey("/K").getKey("/Obj").getObjGen() ==
+                                 annotation.getObjGen();
+                      });
+        }
+    }
+    return faults;
 }
 
 QByteArray encrypted(const QByteArray &pdf, const char *userPassword, const char *ownerPassword,

@@ -5,6 +5,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QStringList>
 
 /// Looks into PDF files object by object, through qpdf's object model.
 namespace pdfobjects {
@@ -22,6 +23,17 @@ namespace pdfobjects {
 /// The index (from 0) of the page that the first link of each page leads to, -1 where there is no
 /// such link, separated by blanks: "1 -1 0".
 [[nodiscard]] QString linkTargets(const QString &file);
+
+/// The label of each page as a viewer shows it, lower-case Roman or decimal numbers.
+[[nodiscard]] QStringList labels(const QString &file);
+
+/// Items of the first array with this key in any dictionary of the catalog, or of its
+/// /OCProperties.
+[[nodiscard]] int listLength(const QString &file, const char *key);
+
+/// What is wrong with the structure tree, empty when nothing is: every element is listed by the one
+/// above it, and the tagged contents of every page lead to elements of that page.
+[[nodiscard]] QString structureFaults(const QString &file);
 
 enum class Assembling { Allowed, Forbidden };
 

@@ -1,0 +1,77 @@
+// SPDX-FileCopyrightText: 2026 The Sendrivo authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "pdf/pagecopier.h"
+
+namespace pdf {
+
+void PageCopier::announce(const PageEntry &entry)
+{
+    QPDFObjectHandle page = document.qpdf().getObject(entry.page);
+    std::vector<QPDFObjectHandle> appearances;
+    QPDFObjectHandle annotations = page.getKey("/Annots");
+    if (annotations.isArray()) {
+        for (QPDFObjectHandle &annotation : annotations.getArrayAsVector()) {
+            if (!annotation.isDictionary())
+                continue;
+            appearances.push_back(annotation.getKey("/AP"));
+            appearances.push_back(annotation.getKey("/MK"));
+        }
+    }
+    resources.addPage(page.getKey("/Contents"), resourcesOf(entry), appearances);
+}
+
+QPDFObjectHandle PageCopier::copy(const PageEntry &entry)
+{
+    // Everything else a page can hold leads to other pages, to the structure tree or into
+    // applications' private data.
+    static const char *const keys[] = {"/Contents", "/BleedBox",     "/TrimBox",  "/ArtBox",
+                                       "/UserUnit", "/BoxColorInfo", "/Group",    "/Trans",
+                                       "/Dur",      "/Tabs",         "/Metadata", "/LastModified",
+                                       "/VP",       "/OutputIntents"};
+    QPDFObjectHandle original = document.qpdf().getObject(entry.page);
+    QPDFObjectHandle page = QPDFObjectHandle::newDictionary();
+    page.replaceKey("/Type", QPDFObjectHandle::newName("/Page"));
+    for (const char *key : keys)
+        page.replaceKey(key, copier.copy(original.getKey(key)));
+    for (const char *key : {"/MediaBox", "/CropBox"}) {
+        QPDFObjectHandle box = inherited(entry, key);
+        if (box.isRectangle())
+            page.replaceKey(key, copier.copy(box));
+    }
+    page.replaceKey("/Rotate", copier.copy(inherited(entry, "/Rotate")));
+    if (!page.hasKey("/MediaBox"))
+        page.replaceKey("/MediaBox", QPDFObjectHandle::parse("[0 0 612 792]"));
+    page.replaceKey("/AA", destinations.copyAdditionalActions(original.getKey("/AA")));
+    page.replaceKey("/Resources", copyResources(entry));
+    return page;
+}
+
+QPDFObjectHandle PageCopier::inherited(const PageEntry &entry, const char *key)
+{
+    return inheritedAttribute(document.qpdf(), document.pages(), entry, key);
+}
+
+ResourceCopier::PageResources PageCopier::resourcesOf(const PageEntry &entry)
+{
+    const QPDFObjectHandle dictionary = inherited(entry, "/Resources");
+    if (document.qpdf().getObject(entry.page).hasKey("/Resources"))
+        return {dictionary, entry.page, false};
+    return {dictionary, inheritedFrom(document.qpdf(), document.pages(), entry, "/Resources"),
+            true};
+}
+
+/// Resources that stand directly in a node of the page tree serve all pages below it and are
+/// written once.
+QPDFObjectHandle PageCopier::copyResources(const PageEntry &entry)
+{
+    const ResourceCopier::PageResources found = resourcesOf(entry);
+    QPDFObjectHandle dictionary = found.dictionary;
+    if (!dictionary.isDictionary())
+        return QPDFObjectHandle::newDictionary();
+    if (dictionary.isIndirect() || !found.isInherited)
+        return copier.copy(dictionary);
+    return resources.copyInherited(dictionary, found.owner);
+}
+
+} // namespace pdf

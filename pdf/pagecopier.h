@@ -1,0 +1,41 @@
+// SPDX-FileCopyrightText: 2026 The Sendrivo authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include "pdf/destinations.h"
+#include "pdf/document.h"
+#include "pdf/objectcopier.h"
+#include "pdf/resources.h"
+
+namespace pdf {
+
+/// Copies page objects (ISO 32000-1, 7.7.3.3) by a list of what belongs to a page, with the
+/// attributes it inherits.
+class PageCopier
+{
+public:
+    PageCopier(Document &inputDocument, ObjectCopier &objectCopier,
+               DestinationCopier &destinationCopier, ResourceCopier &resourceCopier)
+        : document(inputDocument), copier(objectCopier), destinations(destinationCopier),
+          resources(resourceCopier)
+    {
+    }
+
+    /// Looks up which resources the page and its annotations use.
+    void announce(const PageEntry &entry);
+    /// The page without /Parent, /Annots and /StructParents.
+    [[nodiscard]] QPDFObjectHandle copy(const PageEntry &entry);
+
+private:
+    QPDFObjectHandle inherited(const PageEntry &entry, const char *key);
+    ResourceCopier::PageResources resourcesOf(const PageEntry &entry);
+    QPDFObjectHandle copyResources(const PageEntry &entry);
+
+    Document &document;
+    ObjectCopier &copier;
+    DestinationCopier &destinations;
+    ResourceCopier &resources;
+};
+
+} // namespace pdf

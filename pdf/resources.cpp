@@ -1,0 +1,257 @@
+// SPDX-FileCopyrightText: 2026 The Sendrivo authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "pdf/resources.h"
+
+#include "pdf/namecollector.h"
+
+#include <utility>
+
+namespace pdf {
+
+namespace {
+
+/// Form XObjects and tiling patterns, which have contents and resources of their own.
+bool hasContents(QPDFObjectHandle stream)
+{
+    QPDFObjectHandle dictionary = stream.getDict();
+    return dictionary.getKey("/Subtype").isNameAndEquals("/Form") ||
+           dictionary.hasKey("/PatternType") || dictionary.hasKey("/BBox");
+}
+
+/// Adds the colour spaces that are used without being named in the contents: those that replace the
+/// device's (ISO 32000-1, 8.6.5.6), and those that images name.
+void addImplied(std::set<std::string> &names, const std::string &category,
+                QPDFObjectHandle resources)
+{
+    if (category != "/ColorSpace")
+        return;
+    QPDFObjectHandle images = resources.getKey("/XObject");
+    const std::set<std::string> named = names;
+    for (const std::string &name : named) {
+        QPDFObjectHandle image =
+            images.isDictionary() ? images.getKey(name) : QPDFObjectHandle::newNull();
+        if (!image.isStream())
+            continue;
+        QPDFObjectHandle space = image.getDict().getKey("/ColorSpace");
+        if (space.isName())
+            names.insert(space.getName());
+    }
+    names.insert({"/DefaultGray", "/DefaultRGB", "/DefaultCMYK"});
+}
+
+std::vector<QPDFObjectHandle> streamsOf(QPDFObjectHandle contents)
+{
+    return contents.isArray() ? contents.getArrayAsVector()
+                              : std::vector<QPDFObjectHandle>{contents};
+}
+
+} // namespace
+
+ResourceCopier::Scope ResourceCopier::scopeOf(const QPDFObjectHandle &resources, QPDFObjGen owner)
+{
+    const bool isShared = resources.isIndirect();
+    return {resources, isShared ? resources.getObjGen() : owner, isShared};
+}
+
+void ResourceCopier::addPage(const QPDFObjectHandle &contents, const PageResources &resources,
+                             const std::vector<QPDFObjectHandle> &appearances)
+{
+    Scope scope = scopeOf(resources.dictionary, resources.owner);
+    scope.isShared = scope.isShared || resources.isInherited;
+    waiting.push_back({streamsOf(contents), scope});
+    for (const QPDFObjectHandle &appearance : appearances)
+        addAppearance(appearance, scope);
+    follow();
+}
+
+void ResourceCopier::addAppearance(const QPDFObjectHandle &appearance, const Scope &scope)
+{
+    // /AP holds streams or dictionaries of streams (ISO 32000-1, 12.5.5), /MK streams.
+    constexpr int maximalDepth = 3;
+    std::vector<std::pair<QPDFObjectHandle, int>> values = {{appearance, 0}};
+    while (!values.empty()) {
+        auto [value, depth] = values.back();
+        values.pop_back();
+        if (value.isStream()) {
+            visitResource(value, scope);
+        } else if (value.isDictionary() && depth < maximalDepth) {
+            for (const auto &[key, item] : value.getDictAsMap())
+                values.emplace_back(item, depth + 1);
+        }
+    }
+}
+
+void ResourceCopier::addFormDefaults(QPDFObjectHandle resources)
+{
+    if (!resources.isDictionary())
+        return;
+    const Scope scope = scopeOf(resources, QPDFObjGen());
+    if (scope.isShared)
+        sharedResources.emplace(scope.owner, resources);
+    for (const char *category : {"/Font", "/Encoding"}) {
+        QPDFObjectHandle dictionary = resources.getKey(category);
+        if (dictionary.isDictionary() && (scope.isShared || dictionary.isIndirect()))
+            usageOf(dictionary, scope.owner, category).isWhole = true;
+    }
+}
+
+void ResourceCopier::follow()
+{
+    while (!waiting.empty()) {
+        const Contents next = std::move(waiting.back());
+        waiting.pop_back();
+        visit(next);
+    }
+}
+
+ResourceCopier::Usage &ResourceCopier::usageOf(const QPDFObjectHandle &dictionary, QPDFObjGen owner,
+                                               const std::string &category)
+{
+    const DictionaryId id = dictionary.isIndirect()
+                                ? DictionaryId(dictionary.getObjGen(), std::string())
+                                : DictionaryId(owner, category);
+    Usage &usage = usages[id];
+    usage.dictionary = dictionary;
+    return usage;
+}
+
+void ResourceCopier::visit(const Contents &contents)
+{
+    const Scope &scope = contents.scope;
+    QPDFObjectHandle resources = scope.resources;
+    if (!resources.isDictionary())
+        return;
+    if (resources.isIndirect())
+        sharedResources.emplace(scope.owner, resources);
+    std::optional<Names> names;
+    bool isScanned = false;
+    for (auto &[category, dictionary] : resources.getDictAsMap()) {
+        if (!dictionary.isDictionary())
+            continue;
+        const bool isShared = scope.isShared || dictionary.isIndirect();
+        if (isShared && !isScanned) {
+            names = namesInContents(contents.streams);
+            isScanned = true;
+        }
+        if (isShared && names) {
+            addImplied(*names, category, resources);
+            useNamed(*names, dictionary, category, scope);
+            continue;
+        }
+        if (isShared)
+            usageOf(dictionary, scope.owner, category).isWhole = true;
+        for (const auto &[name, resource] : dictionary.getDictAsMap())
+            visitResource(resource, scope);
+    }
+}
+
+void ResourceCopier::useNamed(const Names &names, QPDFObjectHandle dictionary,
+                              const std::string &category, const Scope &scope)
+{
+    Usage &usage = usageOf(dictionary, scope.owner, category);
+    for (const std::string &name : names) {
+        QPDFObjectHandle resource = dictionary.getKey(name);
+        if (resource.isNull())
+            continue;
+        usage.names.insert(name);
+        visitResource(resource, scope);
+    }
+}
+
+void ResourceCopier::visitResource(QPDFObjectHandle resource, const Scope &scope)
+{
+    if (resource.isStream()) {
+        if (hasContents(resource))
+            visitStreams({resource}, resource.getDict().getKey("/Resources"), resource.getObjGen(),
+                         scope);
+    } else if (resource.isDictionary() && resource.hasKey("/CharProcs")) {
+        std::vector<QPDFObjectHandle> glyphs;
+        QPDFObjectHandle procedures = resource.getKey("/CharProcs");
+        if (procedures.isDictionary())
+            for (const auto &[name, glyph] : procedures.getDictAsMap())
+                glyphs.push_back(glyph);
+        visitStreams(std::move(glyphs), resource.getKey("/Resources"), resource.getObjGen(), scope);
+    } else if (resource.isDictionary()) {
+        // A graphics state, whose soft mask is a form XObject.
+        QPDFObjectHandle mask = resource.getKey("/SMask");
+        QPDFObjectHandle group =
+            mask.isDictionary() ? mask.getKey("/G") : QPDFObjectHandle::newNull();
+        if (group.isStream())
+            visitResource(group, scope);
+    }
+}
+
+void ResourceCopier::visitStreams(std::vector<QPDFObjectHandle> streams, QPDFObjectHandle resources,
+                                  QPDFObjGen owner, const Scope &scope)
+{
+    if (streams.empty())
+        return;
+    // Without resources of its own such a stream uses those of the page (ISO 32000-1, 7.8.3).
+    const Scope own = resources.isDictionary() ? scopeOf(resources, owner) : scope;
+    if (visited.insert({streams.front().getObjGen(), own.owner}).second)
+        waiting.push_back({std::move(streams), own});
+}
+
+void ResourceCopier::mapShared()
+{
+    // In a damaged file an object can be referred to as something else, too, a page for instance.
+    const auto claim = [this](QPDFObjGen number) {
+        const bool isFree = !copier.isMapped(number);
+        if (isFree)
+            copier.map(number, copier.placeholder());
+        return isFree;
+    };
+    std::vector<QPDFObjGen> claimedResources;
+    std::vector<const Usage *> claimedUsages;
+    for (const auto &[number, resources] : sharedResources) {
+        if (claim(number))
+            claimedResources.push_back(number);
+    }
+    for (const auto &[id, usage] : usages) {
+        if (id.second.empty() && claim(id.first))
+            claimedUsages.push_back(&usage);
+    }
+    const auto fill = [this](QPDFObjGen number, const QPDFObjectHandle &contents) {
+        copier.targetDocument().replaceObject(copier.mapped(number).getObjGen(), contents);
+    };
+    for (const QPDFObjGen number : claimedResources)
+        fill(number, usedResources(sharedResources.at(number), number));
+    for (const Usage *usage : claimedUsages)
+        fill(usage->dictionary.getObjGen(), usedEntries(*usage));
+}
+
+QPDFObjectHandle ResourceCopier::usedEntries(const Usage &usage)
+{
+    QPDFObjectHandle dictionary = usage.dictionary;
+    if (usage.isWhole)
+        return copier.copyContents(dictionary);
+    QPDFObjectHandle copied = QPDFObjectHandle::newDictionary();
+    for (const std::string &name : usage.names)
+        copied.replaceKey(name, copier.copy(dictionary.getKey(name)));
+    return copied;
+}
+
+QPDFObjectHandle ResourceCopier::usedResources(QPDFObjectHandle resources, QPDFObjGen owner)
+{
+    QPDFObjectHandle copied = QPDFObjectHandle::newDictionary();
+    for (auto &[category, dictionary] : resources.getDictAsMap()) {
+        const auto usage = usages.find({owner, category});
+        const bool isOwn = dictionary.isDictionary() && !dictionary.isIndirect();
+        if (!isOwn)
+            copied.replaceKey(category, copier.copy(dictionary));
+        else if (usage != usages.end())
+            copied.replaceKey(category, usedEntries(usage->second));
+    }
+    return copied;
+}
+
+QPDFObjectHandle ResourceCopier::copyInherited(const QPDFObjectHandle &resources, QPDFObjGen owner)
+{
+    const auto [entry, isNew] = inheritedCopies.try_emplace(owner);
+    if (isNew)
+        entry->second = copier.targetDocument().makeIndirectObject(usedResources(resources, owner));
+    return entry->second;
+}
+
+} // namespace pdf
