@@ -322,7 +322,7 @@ std::string PageReader::image(int index)
     const std::unique_ptr<fz_pixmap, decltype(drop)> guard(pixmap, drop);
     const RgbImage image{fz_pixmap_samples(context, pixmap), fz_pixmap_width(context, pixmap),
                          fz_pixmap_height(context, pixmap), fz_pixmap_stride(context, pixmap)};
-    return pngFile(image, layoutDpi);
+    return pngFile(image);
 }
 
 } // namespace pdf

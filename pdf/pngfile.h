@@ -17,8 +17,8 @@ struct RgbImage
     std::ptrdiff_t stride = 0; ///< bytes from one row to the next
 };
 
-/// The image as a PNG file (ISO/IEC 15948) that states its resolution. Made for pages with much
-/// white: packed fast rather than tightly. Throws std::bad_alloc.
-[[nodiscard]] std::string pngFile(const RgbImage &image, double dpi);
+/// The image as a PNG file (ISO/IEC 15948), packed fast rather than tightly: somebody is waiting
+/// for the page. Throws std::bad_alloc, and Error for an image that PNG cannot hold.
+[[nodiscard]] std::string pngFile(const RgbImage &image);
 
 } // namespace pdf
