@@ -8,6 +8,10 @@ add_library(sendrivo_settings INTERFACE)
 target_compile_features(sendrivo_settings INTERFACE cxx_std_17)
 target_compile_options(sendrivo_settings INTERFACE -Wall -Wextra -Wpedantic -Wshadow
                        $<$<BOOL:${SENDRIVO_WERROR}>:-Werror>)
+if(SENDRIVO_FUZZ)
+  set(SENDRIVO_SANITIZE ON)
+  target_compile_options(sendrivo_settings INTERFACE -fsanitize=fuzzer-no-link)
+endif()
 if(SENDRIVO_SANITIZE)
   target_compile_options(sendrivo_settings INTERFACE -fsanitize=address,undefined
                          -fno-sanitize-recover=undefined -fno-omit-frame-pointer)

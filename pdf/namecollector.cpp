@@ -69,7 +69,8 @@ void NameCollector::endName()
                 name += static_cast<char>(hexDigit(current[i + 1]) * 16 + hexDigit(current[i + 2]));
                 i += 2;
             } else {
-                name += current[i];
+                // qpdf's own mark of a number sign that begins no escape.
+                name += current[i] == '#' ? '\0' : current[i];
             }
         }
         names.insert(name);
