@@ -25,6 +25,8 @@ private slots:
     void linksLeadToTheSamePages_data();
     void linksLeadToTheSamePages();
     void sharedResourcesAreWrittenOnce();
+    void sharedResourcesAreKeptInDoubt_data();
+    void sharedResourcesAreKeptInDoubt();
     void repeatedPagesAreCopies();
     void encryption_data();
     void encryption();
@@ -125,6 +127,65 @@ QByteArray layered()
                                " /D << /Order " + PdfBuilder::refs({off, on}) + " /OFF [" +
                                PdfBuilder::ref(off) + "] >> >> >>"));
 }
+
+/// Two pages with one dictionary of resources, whose entries page 1 uses in every way that does not
+/// name them in the page's own contents. Page 2 has an image of its own in it.
+QByteArray sharing(const QByteArray &contents, const QByteArray &contentsEntries = QByteArray())
+{
+    PdfBuilder file;
+    const auto ref = [](int number) { return PdfBuilder::ref(number); };
+    const int root = file.reserve();
+    const int resources = file.reserve();
+    const QByteArray box = " /BBox [0 0 100 100] ";
+    const QByteArray form = "/Type /XObject /Subtype /Form" + box;
+    const int bare = file.addStream(showText(20, 20, "bare") + "/Inner Do", form);
+    const int inner = file.addStream("1 0 0 rg 0 0 9 9 re f", form);
+    const int pattern = file.addStream("/Fill Do", "/PatternType 1 /PaintType 1 /TilingType 1" +
+                                                       box + "/XStep 20 /YStep 20");
+    const int fill = file.addStream("0 1 0 rg 0 0 12 12 re f", form);
+    const int glyph = file.addStream("1000 0 d0 /Glyph Do");
+    const int shape = file.addStream("0 0 700 700 re f", "/Subtype /Form /BBox [0 0 1000 1000]");
+    const int type3 = file.add("<< /Type /Font /Subtype /Type3 /FontBBox [0 0 1000 1000] "
+                               "/FontMatrix [.001 0 0 .001 0 0] /FirstChar 97 /LastChar 97 "
+                               "/Widths [1000] /Encoding << /Differences [97 /a] >> /CharProcs "
+                               "<< /a " +
+                               ref(glyph) + " >> >>");
+    const int mask = file.addStream("/Mask Do", form + " /Group << /S /Transparency /CS "
+                                                       "/DeviceGray >>");
+    const int maskShape = file.addStream("1 g 0 0 60 60 re f", form);
+    const int state = file.add("<< /SMask << /S /Luminosity /G " + ref(mask) + " >> >>");
+    const int image = file.addStream("\x10\xF0", "/Type /XObject /Subtype /Image /Width 2 /Height "
+                                                 "1 /BitsPerComponent 8 /ColorSpace /Own");
+    const int look = file.addStream(showText(2, 20, "look").replace("/F1", "/Look"),
+                                    form + " /Resources " + ref(resources));
+    const int other = file.addStream("leaked", "/Subtype /Image /Width 2 /Height 1 "
+                                               "/BitsPerComponent 8 /ColorSpace /DeviceRGB");
+    file.define(resources,
+                "<< /Font << /F1 " + ref(file.addHelvetica()) + " /Look " +
+                    ref(file.addHelvetica()) + " /T3 " + ref(type3) + " >> /XObject << /Bare " +
+                    ref(bare) + " /Inner " + ref(inner) + " /Fill " + ref(fill) + " /Glyph " +
+                    ref(shape) + " /Mask " + ref(maskShape) + " /Im#41 " + ref(image) + " /Other " +
+                    ref(other) + " >> /Pattern << /Pat " + ref(pattern) + " >> /ExtGState << /GS " +
+                    ref(state) +
+                    " >> /ColorSpace << /Own [/Indexed /DeviceRGB 1 <FF00FF00FFFF>] "
+                    "/DefaultGray [/CalGray << /WhitePoint [0.9 1 1] /Gamma 5 >>] >> >>");
+    const int widget = file.add("<< /Type /Annot /Subtype /Stamp /F 4 /Rect [200 100 290 190] /AP "
+                                "<< /N " +
+                                ref(look) + " >> >>");
+    const int page = file.add("<< /Type /Page /Parent " + ref(root) + " /Resources " +
+                              ref(resources) + " /Annots [" + ref(widget) + "] /Contents " +
+                              ref(file.addStream(contents, contentsEntries)) + " >>");
+    const int second =
+        file.add("<< /Type /Page /Parent " + ref(root) + " /Resources " + ref(resources) +
+                 " /Contents " + ref(file.addStream("/Other Do")) + " >>");
+    file.define(root, "<< /Type /Pages /Kids " + PdfBuilder::refs({page, second}) +
+                          " /Count 2 /MediaBox [0 0 300 200] >>");
+    return file.bytes(file.add("<< /Type /Catalog /Pages " + ref(root) + " >>"));
+}
+
+const QByteArray usingEverything =
+    "0.5 g 10 120 40 40 re f /Bare Do q 40 0 0 20 100 10 cm /ImA Do Q /Pattern cs /Pat scn "
+    "100 50 80 60 re f BT /T3 30 Tf 20 80 Td (a) Tj ET /GS gs 0 0 1 rg 0 0 300 200 re f";
 
 /// Three pages; the link of page 1 is the given one, in which "PAGE2" stands for page 2.
 QByteArray linked(QByteArray link)
@@ -236,6 +297,7 @@ void TestMerge::pagesLookTheSame_data()
     QTest::newRow("all attributes by reference") << allByReference();
     QTest::newRow("signature and form field") << withFields();
     QTest::newRow("hidden layer stays hidden") << layered();
+    QTest::newRow("shared resources used in every way") << sharing(usingEverything);
 }
 
 void TestMerge::pagesLookTheSame()
@@ -309,6 +371,33 @@ void TestMerge::sharedResourcesAreWrittenOnce()
     QCOMPARE(pdfobjects::count(output, "/BaseFont"), 5);
     // One dictionary stands directly in the page tree, the other is an object of its own.
     QCOMPARE(pdfobjects::count(output, "/ProcSet"), 2);
+}
+
+void TestMerge::sharedResourcesAreKeptInDoubt_data()
+{
+    QTest::addColumn<QByteArray>("entries");
+    QTest::addColumn<bool>("isWhole");
+    QTest::newRow("readable contents") << QByteArray() << false;
+    QTest::newRow("unknown filter") << QByteArray("/Filter /Unknown") << true;
+    QTest::newRow("damaged data") << QByteArray("/Filter /FlateDecode") << true;
+}
+
+void TestMerge::sharedResourcesAreKeptInDoubt()
+{
+    QFETCH(QByteArray, entries);
+    QFETCH(bool, isWhole);
+    const QTemporaryDir folder;
+    const QString input = folder.filePath("in.pdf");
+    const QString output = folder.filePath("out.pdf");
+    writeFile(input, sharing(usingEverything, entries));
+    QCOMPARE(mergePages(input, "1", output).exitCode, 0);
+    QCOMPARE(readFile(output).contains("leaked"), isWhole);
+    if (isWhole)
+        return;
+    const QByteArray written = pdfobjects::decoded(output);
+    for (const char *entry : {"/F1 ", "/Look ", "/T3 ", "/Bare ", "/Inner ", "/Fill ", "/Glyph ",
+                              "/Mask ", "/ImA ", "/Pat ", "/GS ", "/Own [", "/DefaultGray "})
+        QVERIFY2(written.count(entry) > written.count(entry + QByteArray("Do")), entry);
 }
 
 void TestMerge::repeatedPagesAreCopies()
