@@ -19,23 +19,40 @@ bool hasContents(QPDFObjectHandle stream)
            dictionary.hasKey("/PatternType") || dictionary.hasKey("/BBox");
 }
 
+QPDFObjectHandle dictionaryOf(QPDFObjectHandle object)
+{
+    return object.isStream() ? object.getDict() : object;
+}
+
+void addColorSpaceName(std::set<std::string> &names, QPDFObjectHandle owner, const char *key)
+{
+    if (!owner.isDictionary())
+        return;
+    QPDFObjectHandle space = owner.getKey(key);
+    if (space.isName())
+        names.insert(space.getName());
+}
+
 /// Adds the colour spaces that are used without being named in the contents: those that replace the
-/// device's (ISO 32000-1, 8.6.5.6), and those that images name.
+/// device's (ISO 32000-1, 8.6.5.6), and those that images, shadings and groups name.
 void addImplied(std::set<std::string> &names, const std::string &category,
                 QPDFObjectHandle resources)
 {
     if (category != "/ColorSpace")
         return;
-    QPDFObjectHandle images = resources.getKey("/XObject");
     const std::set<std::string> named = names;
-    for (const std::string &name : named) {
-        QPDFObjectHandle image =
-            images.isDictionary() ? images.getKey(name) : QPDFObjectHandle::newNull();
-        if (!image.isStream())
+    for (const char *user : {"/XObject", "/Shading", "/Pattern"}) {
+        QPDFObjectHandle users = resources.getKey(user);
+        if (!users.isDictionary())
             continue;
-        QPDFObjectHandle space = image.getDict().getKey("/ColorSpace");
-        if (space.isName())
-            names.insert(space.getName());
+        for (const std::string &name : named) {
+            QPDFObjectHandle owner = dictionaryOf(users.getKey(name));
+            if (!owner.isDictionary())
+                continue;
+            addColorSpaceName(names, owner, "/ColorSpace");
+            addColorSpaceName(names, dictionaryOf(owner.getKey("/Shading")), "/ColorSpace");
+            addColorSpaceName(names, owner.getKey("/Group"), "/CS");
+        }
     }
     names.insert({"/DefaultGray", "/DefaultRGB", "/DefaultCMYK"});
 }

@@ -31,6 +31,8 @@ private slots:
     void encryption_data();
     void encryption();
     void damagedStreamsAreCopiedAsTheyAre();
+    void endsOnHostileFiles_data();
+    void endsOnHostileFiles();
 };
 
 namespace {
@@ -165,9 +167,13 @@ QByteArray sharing(const QByteArray &contents, const QByteArray &contentsEntries
                     ref(file.addHelvetica()) + " /T3 " + ref(type3) + " >> /XObject << /Bare " +
                     ref(bare) + " /Inner " + ref(inner) + " /Fill " + ref(fill) + " /Glyph " +
                     ref(shape) + " /Mask " + ref(maskShape) + " /Im#41 " + ref(image) + " /Other " +
-                    ref(other) + " >> /Pattern << /Pat " + ref(pattern) + " >> /ExtGState << /GS " +
+                    ref(other) + " >> /Pattern << /Pat " + ref(pattern) +
+                    " /Sh << /PatternType 2 /Shading << /ShadingType 2 /ColorSpace /Tint "
+                    "/Coords [0 0 1 1] /Function << /FunctionType 2 /Domain [0 1] /C0 [0 0] "
+                    "/C1 [1 1] /N 1 >> >> >> >> /ExtGState << /GS " +
                     ref(state) +
-                    " >> /ColorSpace << /Own [/Indexed /DeviceRGB 1 <FF00FF00FFFF>] "
+                    " >> /ColorSpace << /Tint [/DeviceN [/A /B] /DeviceRGB << /FunctionType 2 "
+                    "/Domain [0 1 0 1] /N 1 >>] /Own [/Indexed /DeviceRGB 1 <FF00FF00FFFF>] "
                     "/DefaultGray [/CalGray << /WhitePoint [0.9 1 1] /Gamma 5 >>] >> >>");
     const int widget = file.add("<< /Type /Annot /Subtype /Stamp /F 4 /Rect [200 100 290 190] /AP "
                                 "<< /N " +
@@ -185,7 +191,31 @@ QByteArray sharing(const QByteArray &contents, const QByteArray &contentsEntries
 
 const QByteArray usingEverything =
     "0.5 g 10 120 40 40 re f /Bare Do q 40 0 0 20 100 10 cm /ImA Do Q /Pattern cs /Pat scn "
-    "100 50 80 60 re f BT /T3 30 Tf 20 80 Td (a) Tj ET /GS gs 0 0 1 rg 0 0 300 200 re f";
+    "100 50 80 60 re f /Sh scn BT /T3 30 Tf 20 80 Td (a) Tj ET /GS gs 0 0 1 rg 0 0 300 200 re f";
+
+/// One page, with entries of its own and for the catalog, and further objects from number 5 on.
+QByteArray onePage(const QByteArray &catalogEntries, const QByteArray &pageEntries,
+                   const QByteArrayList &objects)
+{
+    PdfBuilder file;
+    const int root = file.add("<< /Type /Pages /Kids [2 0 R] /Count 1 >>");
+    file.add("<< /Type /Page /Parent 1 0 R /MediaBox [0 0 9 9] " + pageEntries + " >>");
+    const int catalog =
+        file.add("<< /Type /Catalog /Pages " + PdfBuilder::ref(root) + ' ' + catalogEntries + ">>");
+    file.add("[2 0 R /Fit]");
+    for (const QByteArray &object : objects)
+        file.add(object);
+    return file.bytes(catalog);
+}
+
+/// count objects from number 5 on, each "PREFIX n 0 R SUFFIX" with n the number of the next.
+QByteArrayList chain(const QByteArray &prefix, const QByteArray &suffix, int count)
+{
+    QByteArrayList objects;
+    for (int i = 0; i < count; ++i)
+        objects.append("<< " + prefix + PdfBuilder::ref(6 + i) + ' ' + suffix + " >>");
+    return objects;
+}
 
 /// Three pages; the link of page 1 is the given one, in which "PAGE2" stands for page 2.
 QByteArray linked(QByteArray link)
@@ -395,8 +425,9 @@ void TestMerge::sharedResourcesAreKeptInDoubt()
     if (isWhole)
         return;
     const QByteArray written = pdfobjects::decoded(output);
-    for (const char *entry : {"/F1 ", "/Look ", "/T3 ", "/Bare ", "/Inner ", "/Fill ", "/Glyph ",
-                              "/Mask ", "/ImA ", "/Pat ", "/GS ", "/Own [", "/DefaultGray "})
+    for (const char *entry :
+         {"/F1 ", "/Look ", "/T3 ", "/Bare ", "/Inner ", "/Fill ", "/Glyph ", "/Mask ", "/ImA ",
+          "/Pat ", "/Sh ", "/GS ", "/Own [", "/Tint [", "/DefaultGray "})
         QVERIFY2(written.count(entry) > written.count(entry + QByteArray("Do")), entry);
 }
 
@@ -467,6 +498,56 @@ void TestMerge::damagedStreamsAreCopiedAsTheyAre()
               file.bytes(file.add("<< /Type /Catalog /Pages " + PdfBuilder::ref(root) + " >>")));
     QCOMPARE(mergePages(input, "1", output).exitCode, 0);
     QVERIFY(readFile(output).contains(broken));
+}
+
+void TestMerge::endsOnHostileFiles_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    const int depth = 30000;
+    QTest::newRow("deep array") << onePage(
+        "", "/Trans " + QByteArray(depth, '[') + QByteArray(depth, ']'), {});
+    QTest::newRow("deep chain of objects") << onePage("", "/Trans 5 0 R", chain("/A ", "", depth));
+    QTest::newRow("deep form") << onePage("", "/Annots [5 0 R]",
+                                          chain("/Subtype /Widget /T (a) /Parent ", "", depth));
+    QTest::newRow("deep outline") << onePage("/Outlines 5 0 R", "",
+                                             chain("/Title (a) /First ", "/Dest 4 0 R", depth));
+    QTest::newRow("outline in a loop")
+        << onePage("/Outlines 5 0 R", "",
+                   {"<< /First 6 0 R >>", "<< /Dest 4 0 R /First 6 0 R /Next 7 0 R >>",
+                    "<< /Dest 4 0 R /First 5 0 R /Next 6 0 R >>"});
+    QTest::newRow("structure in a loop")
+        << onePage("/StructTreeRoot 5 0 R", "/StructParents 0",
+                   {"<< /K 6 0 R /ParentTree 8 0 R >>", "<< /S /P /P 7 0 R /K [6 0 R 7 0 R 0] >>",
+                    "<< /S /P /P 6 0 R /K 6 0 R >>", "<< /Kids [8 0 R 9 0 R] >>",
+                    "<< /Nums [0 [6 0 R 1 0 R 2 0 R 3 0 R]] >>"});
+    QTest::newRow("names in a loop")
+        << onePage("/Names << /Dests 5 0 R >>", "/Annots [<< /Subtype /Link /Dest (a) >>]",
+                   {"<< /Kids [5 0 R] >>"});
+    QTest::newRow("page as everything")
+        << onePage("/AcroForm 2 0 R /Outlines 2 0 R /StructTreeRoot 2 0 R /PageLabels 2 0 R",
+                   "/Resources 2 0 R /Contents 2 0 R /StructParents 2 0 R /Annots [2 0 R 1 0 R << "
+                   "/Subtype /Widget /Parent 2 0 R >> << /Subtype /Widget /Parent 1 0 R >>]",
+                   {});
+    // Thirty kilobytes that are thirty megabytes of names.
+    const QByteArray packed = qCompress(QByteArray("/A ").repeated(10000000), 9).mid(4);
+    QTest::newRow("contents far larger than the file") << onePage(
+        "", "/Resources << /Font 5 0 R >> /Contents 6 0 R",
+        {"<< >>", "<< /Filter /FlateDecode /Length " + QByteArray::number(packed.size()) +
+                      " >>\nstream\n" + packed + "\nendstream"});
+    QByteArray huge = onePage("", "", {});
+    QTest::newRow("four billion objects") << huge.replace("/Size 5", "/Size 4294967295");
+}
+
+void TestMerge::endsOnHostileFiles()
+{
+    QFETCH(QByteArray, bytes);
+    const QTemporaryDir folder;
+    const QString input = folder.filePath("in.pdf");
+    const QString output = folder.filePath("out.pdf");
+    writeFile(input, bytes);
+    const ToolResult result = mergePages(input, "1", output);
+    QCOMPARE(result.exitCode, 0);
+    QCOMPARE(pdfreader::pageCount(output), 1);
 }
 
 SENDRIVO_TEST_MAIN(TestMerge, QCoreApplication)
