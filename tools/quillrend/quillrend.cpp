@@ -37,7 +37,7 @@ const char usage[] =
     "  <span style=\"left:64;top:118;width:93;height:15\">INV-0042</span>\n"
     "in pixels at 96 dpi from the top left corner of the page as a viewer shows it. A page "
     "without\n"
-    "text gives an empty file. A page is given up after 20 s or 1 GiB; it then has no files.\n";
+    "text gives an empty file. A page is given up after 20 s or 1 GiB.\n";
 
 struct Request
 {
@@ -198,9 +198,10 @@ private:
     {
         const PageFiles files(request.outputStem, index + 1);
         const int page = first - 1 + index;
+        // First, so that it is there also when the image cannot be drawn.
+        pdf::writeOutputFile(files.layout, pdf::layoutFileText(reader->fragments(page)));
         if (request.hasRange())
             pdf::writeOutputFile(files.image, reader->image(page));
-        pdf::writeOutputFile(files.layout, pdf::layoutFileText(reader->fragments(page)));
     }
 
     const Request &request;
