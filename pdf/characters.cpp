@@ -8,7 +8,7 @@
 #include <mupdf/ucdn.h>
 
 #include <algorithm>
-#include <string_view>
+#include <cstdint>
 
 namespace pdf {
 
@@ -17,12 +17,24 @@ namespace {
 constexpr char32_t hyphen = '-';
 constexpr char32_t replacement = 0xFFFD;
 
-/// The letters of a Latin ligature (U+FB00 to U+FB06), empty for others.
-std::u32string_view ligatureLetters(char32_t c)
+/// Ligatures and, in Arabic, the shapes that a letter takes inside a word.
+bool isPresentationForm(char32_t c)
 {
-    static constexpr std::u32string_view letters[] = {U"ff",  U"fi", U"fl", U"ffi",
-                                                      U"ffl", U"st", U"st"};
-    return c >= 0xFB00 && c <= 0xFB06 ? letters[c - 0xFB00] : std::u32string_view();
+    return (c >= 0xFB00 && c <= 0xFDFF) || (c >= 0xFE70 && c < 0xFEFF);
+}
+
+/// Appends the letters that a presentation form stands for.
+void appendLetters(std::u32string &text, char32_t form)
+{
+    std::uint32_t letters[18]; // the longest of them is a phrase of four words
+    const int count = ucdn_compat_decompose(form, letters);
+    constexpr std::uint32_t longS = 0x17F;
+    std::replace(letters, letters + std::max(0, count), longS, std::uint32_t{'s'});
+    // Marks that stand alone have a blank to stand on, which is not in the text.
+    if (count <= 0 || letters[0] == ' ')
+        text += form;
+    else
+        text.append(letters, letters + count);
 }
 
 char32_t printable(char32_t c)
@@ -101,6 +113,11 @@ std::u32string toNfc(const std::u32string &text)
 
 } // namespace
 
+bool isMark(char32_t c)
+{
+    return c >= 0x300 && ucdn_get_combining_class(c) != 0;
+}
+
 bool isBlank(char32_t c)
 {
     return c == ' ' || (c >= 0x09 && c <= 0x0D) || c == 0x85 || c == 0xA0 || c == 0x1680 ||
@@ -117,13 +134,19 @@ bool isDropped(char32_t c)
 
 std::string readableText(const std::vector<char32_t> &characters)
 {
+    if (std::all_of(characters.begin(), characters.end(),
+                    [](char32_t c) { return c >= ' ' && c < 0x7F; })) {
+        std::string plain(characters.size(), '\0');
+        std::transform(characters.begin(), characters.end(), plain.begin(),
+                       [](char32_t c) { return static_cast<char>(c); });
+        return plain;
+    }
     std::u32string text;
     for (const char32_t c : characters) {
-        const std::u32string_view letters = ligatureLetters(c);
-        if (letters.empty())
-            text += printable(c);
+        if (isPresentationForm(c))
+            appendLetters(text, c);
         else
-            text += letters;
+            text += printable(c);
     }
     std::string result;
     for (const char32_t c : toNfc(text))

@@ -15,8 +15,12 @@ namespace pdf {
 /// blanks, byte order marks, marks of the writing direction.
 [[nodiscard]] bool isDropped(char32_t character);
 
-/// The characters as UTF-8 text in NFC: ligatures as letters, soft hyphens (drawn by producers
-/// where a hyphen is seen) as hyphens, control characters and what is no character as U+FFFD.
+/// Whether the character is drawn onto the letter before it (an accent, a vowel point).
+[[nodiscard]] bool isMark(char32_t character);
+
+/// The characters as UTF-8 text in NFC: ligatures and the shapes of letters inside words as
+/// letters, soft hyphens (drawn by producers where a hyphen is seen) as hyphens, control characters
+/// and what is no character as U+FFFD.
 [[nodiscard]] std::string readableText(const std::vector<char32_t> &characters);
 
 } // namespace pdf

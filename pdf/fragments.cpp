@@ -4,9 +4,11 @@
 #include "pdf/fragments.h"
 
 #include "pdf/characters.h"
+#include "pdf/readingorder.h"
 
 #include <algorithm>
 #include <cmath>
+#include <string>
 #include <tuple>
 #include <utility>
 
@@ -18,20 +20,40 @@ constexpr double ascentEm = 0.8;
 /// Runs this far apart, in font sizes, still stand on one line: the words of a recognised scan do
 /// not agree better, and the closest raised letters are twice as far up.
 constexpr double sameLineSizes = 0.15;
-auto directionKey(const Baseline &line)
+
+/// A number that lines of one direction and way of writing share.
+int directionKey(const Baseline &line)
 {
+    constexpr int quarterTurn = 44;
     // In steps of about two degrees, so that noise does not part a line.
-    const auto angle =
-        static_cast<int>(std::lround(std::atan2(line.directionY, line.directionX) * 28));
-    constexpr int halfTurn = 88;
-    return std::make_tuple(line.isVertical, line.isMirrored, angle == -halfTurn ? halfTurn : angle);
+    int angle = 0;
+    if (line.directionY != 0 || line.directionX < 0)
+        angle = static_cast<int>(std::lround(std::atan2(line.directionY, line.directionX) * 28));
+    if (angle == -2 * quarterTurn)
+        angle = 2 * quarterTurn;
+    return ((angle + 2 * quarterTurn) * 2 + (line.isVertical ? 1 : 0)) * 2 +
+           (line.isMirrored ? 1 : 0);
 }
 
-bool isOnSameLine(const Baseline &a, const Baseline &b)
+/// What runs are sorted by, apart from the runs, which are dear to move.
+struct SortedRun
 {
-    const double smaller = std::min(a.size, b.size);
-    return directionKey(a) == directionKey(b) &&
-           std::abs(a.across - b.across) <= sameLineSizes * smaller;
+    int direction;
+    double position; ///< across the line, later along it
+    GlyphRun *run;
+};
+
+bool isBefore(const SortedRun &a, const SortedRun &b)
+{
+    return std::tie(a.direction, a.position, a.run->order) <
+           std::tie(b.direction, b.position, b.run->order);
+}
+
+bool isOnSameLine(const SortedRun &a, const SortedRun &b)
+{
+    const double smaller = std::min(a.run->line.size, b.run->line.size);
+    return a.direction == b.direction &&
+           std::abs(a.run->line.across - b.run->line.across) <= sameLineSizes * smaller;
 }
 
 /// Removes from later the glyphs that earlier shows in the same place.
@@ -91,18 +113,49 @@ private:
     }
 };
 
+bool hasBlankBefore(const GlyphRun &run, std::size_t index, double blankGap)
+{
+    const PlacedGlyph &glyph = run.glyphs[index];
+    return index > 0 &&
+           (glyph.hasBlankBefore ||
+            (!glyph.isContinuation && glyph.start - run.glyphs[index - 1].end > blankGap));
+}
+
+/// The text of a line with letters of a right-to-left script.
+std::string textInReadingOrder(const GlyphRun &run)
+{
+    const double blank = run.blankGap();
+    std::vector<std::u32string> units;
+    for (std::size_t i = 0; i < run.glyphs.size(); ++i) {
+        const PlacedGlyph &glyph = run.glyphs[i];
+        const bool isSpaced = hasBlankBefore(run, i, blank);
+        if (glyph.isContinuation && !units.empty()) {
+            if (isSpaced)
+                units.back() += U' ';
+            units.back() += glyph.character;
+            continue;
+        }
+        if (isSpaced)
+            units.emplace_back(1, U' ');
+        units.emplace_back(1, glyph.character);
+    }
+    return readableText(readingOrder(std::move(units)));
+}
+
 std::string textOf(const GlyphRun &run)
 {
+    const auto isFromRight = [](const PlacedGlyph &glyph) {
+        return isRightToLeft(glyph.character);
+    };
+    if (std::any_of(run.glyphs.begin(), run.glyphs.end(), isFromRight))
+        return textInReadingOrder(run);
     const double blank = run.blankGap();
     std::vector<char32_t> characters;
     characters.reserve(run.glyphs.size() * 2);
     for (std::size_t i = 0; i < run.glyphs.size(); ++i) {
-        const PlacedGlyph &glyph = run.glyphs[i];
-        const bool hasGap =
-            i > 0 && !glyph.isContinuation && glyph.start - run.glyphs[i - 1].end > blank;
-        if (i > 0 && (glyph.hasBlankBefore || hasGap))
+        if (hasBlankBefore(run, i, blank))
             characters.push_back(' ');
-        characters.push_back(glyph.character);
+        characters.push_back(run.glyphs[i].character);
     }
     return readableText(characters);
 }
@@ -160,21 +213,24 @@ int layoutCoordinate(double pixels)
 
 std::vector<Fragment> makeFragments(std::vector<GlyphRun> runs)
 {
-    std::sort(runs.begin(), runs.end(), [](const GlyphRun &a, const GlyphRun &b) {
-        return std::make_tuple(directionKey(a.line), a.line.across, a.order) <
-               std::make_tuple(directionKey(b.line), b.line.across, b.order);
-    });
+    std::vector<SortedRun> sorted;
+    sorted.reserve(runs.size());
+    for (GlyphRun &run : runs)
+        sorted.push_back({directionKey(run.line), run.line.across, &run});
+    std::sort(sorted.begin(), sorted.end(), isBefore);
     std::vector<Fragment> fragments;
-    for (auto begin = runs.begin(); begin != runs.end();) {
-        auto end = std::find_if_not(begin, runs.end(), [&](const GlyphRun &run) {
-            return isOnSameLine(begin->line, run.line);
+    fragments.reserve(runs.size());
+    for (auto begin = sorted.begin(); begin != sorted.end();) {
+        const SortedRun first = *begin;
+        auto end = std::find_if_not(begin, sorted.end(), [&](const SortedRun &entry) {
+            return isOnSameLine(first, entry);
         });
-        std::sort(begin, end, [](const GlyphRun &a, const GlyphRun &b) {
-            return std::make_pair(a.start(), a.order) < std::make_pair(b.start(), b.order);
-        });
+        for (auto entry = begin; entry != end; ++entry)
+            entry->position = entry->run->start();
+        std::sort(begin, end, isBefore);
         LineJoiner line;
-        for (auto run = begin; run != end; ++run)
-            line.add(std::move(*run));
+        for (auto entry = begin; entry != end; ++entry)
+            line.add(std::move(*entry->run));
         for (const GlyphRun &run : line.joined)
             fragments.push_back(fragmentOf(run));
         begin = end;

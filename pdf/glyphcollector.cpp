@@ -13,33 +13,6 @@ namespace pdf {
 
 namespace {
 
-/// Direction of the pen: along the advance, or, for a glyph that does not move the pen, at right
-/// angles to the font's up vector.
-Baseline baselineOf(const ShownGlyph &glyph)
-{
-    Baseline line;
-    line.isVertical = glyph.isVertical;
-    const double upLength = std::hypot(glyph.upX, glyph.upY);
-    const double advance = std::hypot(glyph.advanceX, glyph.advanceY);
-    if (advance > 0) {
-        line.directionX = glyph.advanceX / advance;
-        line.directionY = glyph.advanceY / advance;
-    } else if (upLength > 0 && !glyph.isVertical) {
-        line.directionX = -glyph.upY / upLength;
-        line.directionY = glyph.upX / upLength;
-    } else if (upLength > 0) {
-        line.directionX = -glyph.upX / upLength;
-        line.directionY = -glyph.upY / upLength;
-    }
-    line.across = glyph.y * line.directionX - glyph.x * line.directionY;
-    // Slanted fonts have an up vector that leans; only its height over the line counts.
-    const double upAcross = glyph.upY * line.directionX - glyph.upX * line.directionY;
-    line.size = glyph.isVertical ? upLength : std::abs(upAcross);
-    line.isMirrored = upAcross > 0;
-    line.em = glyph.em;
-    return line;
-}
-
 bool isSameDirection(const Baseline &a, const Baseline &b)
 {
     constexpr double cosineOfTwoDegrees = 0.9994;
@@ -49,12 +22,28 @@ bool isSameDirection(const Baseline &a, const Baseline &b)
 
 } // namespace
 
-bool GlyphCollector::isOutside(const ShownGlyph &glyph) const
+TextAxes::TextAxes(double alongX, double alongY, double upwardsX, double upwardsY, bool isVertical)
+    : upX(upwardsX), upY(upwardsY)
+{
+    line.isVertical = isVertical;
+    line.em = std::hypot(alongX, alongY);
+    if (line.em > 0) {
+        line.directionX = alongX / line.em;
+        line.directionY = alongY / line.em;
+    }
+    // Slanted fonts have an up vector that leans; only its height over the line counts.
+    const double upAcross = upY * line.directionX - upX * line.directionY;
+    line.size = isVertical ? line.em : std::abs(upAcross);
+    line.isMirrored = upAcross > 0;
+}
+
+bool GlyphCollector::isOutside(const TextAxes &axes, const ShownGlyph &glyph) const
 {
     // The middle of a lower-case letter, so that a line cut by the page's edge counts as visible
     // when most of it is.
-    const double x = glyph.x + glyph.advanceX / 2 + 0.3 * glyph.upX;
-    const double y = glyph.y + glyph.advanceY / 2 + 0.3 * glyph.upY;
+    const double half = glyph.advance / 2 * axes.line.em;
+    const double x = glyph.x + half * axes.line.directionX + 0.3 * axes.upX;
+    const double y = glyph.y + half * axes.line.directionY + 0.3 * axes.upY;
     return !(x >= 0 && y >= 0 && x <= width && y <= height);
 }
 
@@ -76,7 +65,15 @@ bool GlyphCollector::isRepetition(const Baseline &line, const PlacedGlyph &glyph
            isSameGlyph(runs.back().glyphs.back(), glyph, line.em);
 }
 
-void GlyphCollector::add(const ShownGlyph &glyph)
+void GlyphCollector::add(const TextAxes &axes, const ShownGlyph &glyph)
+{
+    if (isReplacing)
+        replaced.emplace_back(axes, glyph);
+    else
+        show(axes, glyph);
+}
+
+void GlyphCollector::show(const TextAxes &axes, const ShownGlyph &glyph)
 {
     if (glyph.isContinuation) {
         if (!skipsContinuations && !isDropped(glyph.character)) {
@@ -90,33 +87,106 @@ void GlyphCollector::add(const ShownGlyph &glyph)
         hasBlank = true;
         return;
     }
-    if (isOutside(glyph) || !(glyph.em > 0))
+    Baseline line = axes.line;
+    if (!(line.em > 0) || !(line.size > 0) || isOutside(axes, glyph))
         return;
-    const Baseline line = baselineOf(glyph);
+    line.across = glyph.y * line.directionX - glyph.x * line.directionY;
     const double start = glyph.x * line.directionX + glyph.y * line.directionY;
-    const double end = start + std::hypot(glyph.advanceX, glyph.advanceY);
-    if (!std::isfinite(start) || !std::isfinite(end) || !std::isfinite(line.across) ||
-        !(line.size > 0))
+    const double end = start + glyph.advance * line.em;
+    if (!std::isfinite(start) || !std::isfinite(end) || !std::isfinite(line.across))
         return;
-    const bool isContinued = continuesRun(line, start);
     if (isDropped(glyph.character)) {
         // Nothing is seen of it, but its width is not a gap between letters either.
-        if (isContinued)
+        if (continuesRun(line, start))
             runs.back().glyphs.back().end = end;
         return;
     }
-    const PlacedGlyph placed{start, end, glyph.character, isContinued && hasBlank, false};
-    if (isRepetition(line, placed))
+    place(line, {start, end, glyph.character, false, false});
+}
+
+void GlyphCollector::place(const Baseline &line, const PlacedGlyph &glyph)
+{
+    if (isRepetition(line, glyph))
         return;
+    const bool isContinued = continuesRun(line, glyph.start);
     if (!isContinued) {
         GlyphRun run;
         run.line = line;
         run.order = static_cast<int>(runs.size());
         runs.push_back(std::move(run));
     }
+    PlacedGlyph placed = glyph;
+    placed.hasBlankBefore = isContinued && hasBlank;
     runs.back().append(placed);
     hasBlank = false;
     skipsContinuations = false;
+}
+
+void GlyphCollector::beginReplacement(std::u32string text)
+{
+    isReplacing = true;
+    replacement = std::move(text);
+    replaced.clear();
+}
+
+void GlyphCollector::endReplacement()
+{
+    isReplacing = false;
+    GlyphCollector shown(width, height);
+    for (const auto &[axes, glyph] : replaced)
+        shown.show(axes, glyph);
+    std::vector<GlyphRun> lines = shown.takeRuns();
+    const auto isElsewhere = [&](const GlyphRun &run) {
+        constexpr double accentSizes = 0.5;
+        return !isSameDirection(run.line, lines.front().line) ||
+               std::abs(run.line.across - lines.front().line.across) >
+                   accentSizes * lines.front().line.size;
+    };
+    if (std::any_of(lines.begin(), lines.end(), isElsewhere)) {
+        for (const auto &[axes, glyph] : replaced)
+            show(axes, glyph);
+    } else if (!lines.empty()) {
+        GlyphRun whole = lines.front();
+        for (const GlyphRun &run : lines)
+            whole.glyphs.insert(whole.glyphs.end(), run.glyphs.begin(), run.glyphs.end());
+        replace(whole);
+    } else if (std::any_of(replaced.begin(), replaced.end(),
+                           [](const auto &entry) { return isBlank(entry.second.character); })) {
+        hasBlank = true;
+    }
+    skipsContinuations = true;
+}
+
+/// Puts the replacement where the glyphs stand, on the first one's line.
+void GlyphCollector::replace(const GlyphRun &shown)
+{
+    PlacedGlyph whole = shown.glyphs.front();
+    for (const PlacedGlyph &glyph : shown.glyphs) {
+        whole.start = std::min(whole.start, glyph.start);
+        whole.end = std::max(whole.end, glyph.end);
+    }
+    bool isFirst = true;
+    for (const char32_t c : replacement) {
+        if (isBlank(c)) {
+            hasBlank = true;
+        } else if (isFirst && !isDropped(c)) {
+            whole.character = c;
+            place(shown.line, whole);
+            // A letter drawn twice has not been placed again.
+            if (skipsContinuations)
+                return;
+            isFirst = false;
+        } else if (!isDropped(c)) {
+            runs.back().append({whole.end, whole.end, c, std::exchange(hasBlank, false), true});
+        }
+    }
+}
+
+std::vector<GlyphRun> GlyphCollector::takeRuns()
+{
+    if (isReplacing)
+        endReplacement();
+    return std::move(runs);
 }
 
 } // namespace pdf

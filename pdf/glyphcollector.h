@@ -5,22 +5,30 @@
 
 #include "pdf/glyphrun.h"
 
+#include <string>
 #include <utility>
 #include <vector>
 
 namespace pdf {
 
-/// A glyph as a page shows it, in layout coordinates (see fragment.h).
+/// What all glyphs of a piece of text share, in layout coordinates (see fragment.h).
+struct TextAxes
+{
+    /// The font's way of the pen to the right (downwards in vertical writing) and its up vector,
+    /// each as long as the font size in that direction.
+    TextAxes(double alongX, double alongY, double upwardsX, double upwardsY, bool isVertical);
+
+    Baseline line; ///< without its place
+    double upX;
+    double upY;
+};
+
+/// A glyph as a page shows it, in layout coordinates.
 struct ShownGlyph
 {
     double x = 0; ///< pen position
     double y = 0;
-    double advanceX = 0; ///< way of the pen to the next glyph, without letter spacing
-    double advanceY = 0;
-    double upX = 0; ///< the font's up vector, its length the font size
-    double upY = -1;
-    double em = 0; ///< font size along the writing direction
-    bool isVertical = false;
+    double advance = 0; ///< way of the pen to the next glyph in em, without letter spacing
     char32_t character = 0;
     bool isContinuation = false; ///< a further character of the glyph before
 };
@@ -32,11 +40,22 @@ public:
     /// Glyphs whose middle lies outside of width x height pixels are left out.
     GlyphCollector(double pageWidth, double pageHeight) : width(pageWidth), height(pageHeight) {}
 
-    void add(const ShownGlyph &glyph);
-    [[nodiscard]] std::vector<GlyphRun> takeRuns() { return std::move(runs); }
+    void add(const TextAxes &axes, const ShownGlyph &glyph);
+
+    /// Between these two the glyphs show a text that the document states apart from them
+    /// (ActualText; ISO 32000-1, 14.9.4). It takes their place where they stand on one line, in
+    /// one fragment; how a longer text falls into lines is not known, so the glyphs stay.
+    void beginReplacement(std::u32string text);
+    void endReplacement();
+
+    /// All runs, once the page has been drawn.
+    [[nodiscard]] std::vector<GlyphRun> takeRuns();
 
 private:
-    [[nodiscard]] bool isOutside(const ShownGlyph &glyph) const;
+    void show(const TextAxes &axes, const ShownGlyph &glyph);
+    void place(const Baseline &line, const PlacedGlyph &glyph);
+    void replace(const GlyphRun &shown);
+    [[nodiscard]] bool isOutside(const TextAxes &axes, const ShownGlyph &glyph) const;
     [[nodiscard]] bool continuesRun(const Baseline &line, double start) const;
     [[nodiscard]] bool isRepetition(const Baseline &line, const PlacedGlyph &glyph) const;
 
@@ -45,6 +64,9 @@ private:
     std::vector<GlyphRun> runs;
     bool hasBlank = false;
     bool skipsContinuations = false;
+    bool isReplacing = false;
+    std::u32string replacement;
+    std::vector<std::pair<TextAxes, ShownGlyph>> replaced;
 };
 
 } // namespace pdf

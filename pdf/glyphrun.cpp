@@ -3,8 +3,11 @@
 
 #include "pdf/glyphrun.h"
 
+#include "pdf/characters.h"
+
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 
 namespace pdf {
 
@@ -30,10 +33,17 @@ bool GlyphRun::isFollowedFrom(double start) const
 
 void GlyphRun::append(const PlacedGlyph &glyph)
 {
-    if (!glyphs.empty() && !glyph.isContinuation)
-        glyphs.back().end = std::clamp(glyph.start, glyphs.back().start, glyphs.back().end);
-    if (!glyphs.empty() && !glyph.isContinuation) {
-        const double gap = glyph.start - end();
+    if (glyphs.empty()) {
+        constexpr std::size_t usualLength = 16;
+        glyphs.reserve(usualLength);
+    } else if (isMark(glyph.character) && glyph.start < end()) {
+        // It belongs to the letter under it, whose width stays.
+        glyphs.push_back({end(), end(), glyph.character, false, true});
+        return;
+    } else if (!glyph.isContinuation) {
+        PlacedGlyph &last = glyphs.back();
+        last.end = std::clamp(glyph.start, last.start, last.end);
+        const double gap = glyph.start - last.end;
         smallestGap = gaps == 0 ? gap : std::min(smallestGap, gap);
         ++gaps;
     }

@@ -48,6 +48,8 @@ bool startsEntity(std::string_view rest)
 
 std::string markupText(const std::string &text)
 {
+    if (text.find_first_of("<>&") == std::string::npos)
+        return text;
     std::string result;
     result.reserve(text.size());
     for (std::size_t i = 0; i < text.size(); ++i) {

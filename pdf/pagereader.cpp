@@ -6,8 +6,8 @@
 #include "pdf/error.h"
 #include "pdf/fragments.h"
 #include "pdf/glyphcollector.h"
+#include "pdf/pagetext.h"
 #include "pdf/pngfile.h"
-#include "pdf/textdevice.h"
 
 #include <cstring>
 #include <mupdf/fitz.h>
@@ -130,24 +130,6 @@ void run(LoadedPage *loaded, fz_device *device)
     pdf_run_page(loaded->context, loaded->page, device, fz_scale(layoutScale, layoutScale),
                  &cookie);
     fz_close_device(loaded->context, device);
-}
-
-void runText(LoadedPage *loaded, GlyphCollector *collector)
-{
-    fz_context *context = loaded->context;
-    fz_device *device = newTextDevice(context, collector);
-    fz_try(context)
-    {
-        run(loaded, device);
-    }
-    fz_always(context)
-    {
-        fz_drop_device(context, device);
-    }
-    fz_catch(context)
-    {
-        fz_rethrow(context);
-    }
 }
 
 /// The page drawn on white. The caller drops the pixmap.
@@ -291,7 +273,7 @@ std::vector<Fragment> PageReader::fragments(int index)
                              static_cast<double>(loaded.bounds.y1 - loaded.bounds.y0) * scale);
     fz_try(context)
     {
-        runText(&loaded, &collector);
+        collectPageText(context, loaded.page, fz_scale(layoutScale, layoutScale), &collector);
     }
     fz_catch(context)
     {

@@ -3,7 +3,6 @@
 
 #include "pdf/textdevice.h"
 
-#include <cmath>
 #include <exception>
 
 namespace pdf {
@@ -17,54 +16,44 @@ struct TextDevice
 };
 
 /// Keeps C++ exceptions from passing through MuPDF's frames.
-bool addGlyph(GlyphCollector *collector, const ShownGlyph &glyph) noexcept
+bool addGlyph(GlyphCollector *collector, const TextAxes &axes, const ShownGlyph &glyph) noexcept
 {
     try {
-        collector->add(glyph);
+        collector->add(axes, glyph);
         return true;
     } catch (const std::exception &) {
         return false;
     }
 }
 
-/// What all glyphs of a span share: the font's axes in layout coordinates.
-ShownGlyph spanGlyph(const fz_text_span *span, fz_matrix transform)
+TextAxes axesOf(const fz_text_span *span, fz_matrix transform)
 {
     const fz_matrix matrix = fz_concat(span->trm, transform);
-    ShownGlyph glyph;
-    glyph.isVertical = span->wmode != 0;
-    glyph.upX = matrix.c;
-    glyph.upY = matrix.d;
-    glyph.em = glyph.isVertical ? std::hypot(matrix.c, matrix.d) : std::hypot(matrix.a, matrix.b);
-    // The pen's way per em: rightwards, or downwards in vertical writing.
-    glyph.advanceX = glyph.isVertical ? -matrix.c : matrix.a;
-    glyph.advanceY = glyph.isVertical ? -matrix.d : matrix.b;
-    return glyph;
+    const bool isVertical = span->wmode != 0;
+    return isVertical ? TextAxes(-matrix.c, -matrix.d, matrix.c, matrix.d, true)
+                      : TextAxes(matrix.a, matrix.b, matrix.c, matrix.d, false);
 }
 
 void addText(fz_context *context, fz_device *device, const fz_text *text, fz_matrix transform)
 {
     GlyphCollector *collector = reinterpret_cast<TextDevice *>(device)->collector;
     for (const fz_text_span *span = text->head; span != nullptr; span = span->next) {
-        const ShownGlyph axes = spanGlyph(span, transform);
+        const TextAxes axes = axesOf(span, transform);
         for (int i = 0; i < span->len; ++i) {
             const fz_text_item &item = span->items[i];
             // A second glyph for the same character (an accent set apart) shows nothing new.
             if (item.ucs < 0)
                 continue;
-            ShownGlyph glyph = axes;
+            ShownGlyph glyph;
             const fz_point pen = fz_transform_point_xy(item.x, item.y, transform);
             glyph.x = pen.x;
             glyph.y = pen.y;
             glyph.character = static_cast<char32_t>(item.ucs);
             glyph.isContinuation = item.gid < 0;
-            const double advance = glyph.isContinuation
-                                       ? 0
-                                       : static_cast<double>(fz_advance_glyph(
-                                             context, span->font, item.gid, glyph.isVertical));
-            glyph.advanceX *= advance;
-            glyph.advanceY *= advance;
-            if (!addGlyph(collector, glyph))
+            if (!glyph.isContinuation)
+                glyph.advance = static_cast<double>(
+                    fz_advance_glyph(context, span->font, item.gid, axes.line.isVertical));
+            if (!addGlyph(collector, axes, glyph))
                 fz_throw(context, FZ_ERROR_MEMORY, "out of memory");
         }
     }

@@ -11,6 +11,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <functional>
+
 /// Text of pages as fragments, on tiny files. The page is 300 x 200 points, that is 400 x 267
 /// pixels; Helvetica advances by 0.5 em in "a", 0.278 em in a blank.
 class TestLayout : public QObject
@@ -20,8 +22,11 @@ class TestLayout : public QObject
 private slots:
     void fragmentTexts_data();
     void fragmentTexts();
+    void rightToLeft_data();
+    void rightToLeft();
     void boxes_data();
     void boxes();
+    void boxOfVerticalWriting();
     void cornerDoesNotDependOnText();
     void coordinatesAbsorbNoise_data();
     void coordinatesAbsorbNoise();
@@ -51,29 +56,81 @@ QStringList textsOf(const QByteArray &bytes)
     return texts;
 }
 
-/// A page with the contents and, as /F2, a font whose codes a, b, c ... mean the given characters
-/// (UTF-16BE hexadecimal), all 600 units wide.
-QByteArray mappedPdf(const QByteArray &contents, const QByteArrayList &characters)
+/// A page with the contents and, as /F2, the font object made by font.
+QByteArray pageWithFont(const QByteArray &contents,
+                        const std::function<QByteArray(PdfBuilder &)> &font)
 {
     PdfBuilder file;
-    QByteArray map = "/CIDInit /ProcSet findresource begin 12 dict begin begincmap\n"
-                     "1 begincodespacerange <00> <FF> endcodespacerange\n" +
-                     QByteArray::number(characters.size()) + " beginbfchar\n";
-    for (qsizetype i = 0; i < characters.size(); ++i)
-        map += "<" + QByteArray::number(0x61 + i, 16) + "> <" + characters[i] + ">\n";
-    const int toUnicode = file.addStream(map + "endbfchar endcmap end end");
-    const int font = file.add("<< /Type /Font /Subtype /Type1 /BaseFont /Courier /FirstChar 97 "
-                              "/LastChar 106 /Widths [600 600 600 600 600 600 600 600 600 600] "
-                              "/ToUnicode " +
-                              PdfBuilder::ref(toUnicode) + " >>");
+    const int fontNumber = file.add(font(file));
     const int data = file.addStream(contents);
     const int root = file.reserve();
     const int page =
         file.add("<< /Type /Page /Parent " + PdfBuilder::ref(root) +
-                 " /MediaBox [0 0 300 200] /Resources << /Font << /F2 " + PdfBuilder::ref(font) +
-                 " >> >> /Contents " + PdfBuilder::ref(data) + " >>");
+                 " /MediaBox [0 0 300 200] /Resources << /Font << /F2 " +
+                 PdfBuilder::ref(fontNumber) + " >> >> /Contents " + PdfBuilder::ref(data) + " >>");
     file.define(root, "<< /Type /Pages /Kids [" + PdfBuilder::ref(page) + "] /Count 1 >>");
     return file.bytes(file.add("<< /Type /Catalog /Pages " + PdfBuilder::ref(root) + " >>"));
+}
+
+/// A map of character codes to characters (UTF-16BE hexadecimal): the codes from first on, and
+/// those before "a" as in ASCII.
+int addUnicodeMap(PdfBuilder &file, const QByteArray &codeSpace, int first,
+                  const QByteArrayList &characters)
+{
+    const auto width = codeSpace.size();
+    QByteArray map = "/CIDInit /ProcSet findresource begin 12 dict begin begincmap\n"
+                     "1 begincodespacerange <" +
+                     QByteArray(width, '0') + "> <" + codeSpace + "> endcodespacerange\n" +
+                     "1 beginbfrange <" + QByteArray::number(0x20, 16).rightJustified(width, '0') +
+                     "> <" + QByteArray::number(0x60, 16).rightJustified(width, '0') +
+                     "> <0020> endbfrange\n" + QByteArray::number(characters.size()) +
+                     " beginbfchar\n";
+    for (qsizetype i = 0; i < characters.size(); ++i)
+        map += "<" + QByteArray::number(first + i, 16).rightJustified(width, '0') + "> <" +
+               characters[i] + ">\n";
+    return file.addStream(map + "endbfchar endcmap end end");
+}
+
+/// As /F2 a font whose codes a, b, c ... mean the given characters, all 600 units wide.
+QByteArray mappedPdf(const QByteArray &contents, const QByteArrayList &characters)
+{
+    return pageWithFont(contents, [&](PdfBuilder &file) {
+        QByteArray widths;
+        for (int code = 32; code < 107; ++code)
+            widths += " 600";
+        return "<< /Type /Font /Subtype /Type1 /BaseFont /Courier /FirstChar 32 /LastChar 106 "
+               "/Widths [" +
+               widths + "] /ToUnicode " +
+               PdfBuilder::ref(addUnicodeMap(file, "FF", 'a', characters)) + " >>";
+    });
+}
+
+QByteArray unknownGlyphPdf()
+{
+    return pageWithFont("BT /F2 12 Tf 20 100 Td (Aa) Tj ET", [](PdfBuilder & /*file*/) {
+        return QByteArray("<< /Type /Font /Subtype /Type1 /BaseFont /Unknown /Encoding "
+                          "<< /Differences [97 /shape] >> >>");
+    });
+}
+
+/// Text that runs downwards from 100, 150; its code 1 is the sign for sun, 2 that for root.
+QByteArray verticalPdf(const QByteArray &operators)
+{
+    return pageWithFont("BT /F2 12 Tf 100 150 Td " + operators + " ET", [](PdfBuilder &file) {
+        return "<< /Type /Font /Subtype /Type0 /BaseFont /Vertical /Encoding /Identity-V "
+               "/DescendantFonts [<< /Type /Font /Subtype /CIDFontType0 /BaseFont /Vertical /DW "
+               "1000 /FontDescriptor << /Type /FontDescriptor /FontName /Vertical /Flags 4 /Ascent "
+               "880 /Descent -120 /FontBBox [0 -120 1000 880] >> /CIDSystemInfo << /Registry "
+               "(Adobe) /Ordering (Japan1) /Supplement 0 >> >>] "
+               "/ToUnicode " +
+               PdfBuilder::ref(addUnicodeMap(file, "FFFF", 1, {"65E5", "672C"})) + " >>";
+    });
+}
+
+/// Operators whose text the document states beside them.
+QByteArray stated(const QByteArray &text, const QByteArray &operators)
+{
+    return "/Span << /ActualText " + text + " >> BDC " + operators + " EMC ";
 }
 
 QByteArray mappedLine(const QByteArray &codes)
@@ -176,6 +233,67 @@ void TestLayout::fragmentTexts_data()
     row("beyond the basic plane", mappedPdf(mappedLine("a"), {"D83DDE00"}),
         {QString::fromUtf8("😀")});
     row("direction marks", mappedPdf(mappedLine("abc"), {"0041", "200E", "0042"}), {"AB"});
+    row("a glyph that no table knows", unknownGlyphPdf(), {QString::fromUtf8("A\uFFFD")});
+    row("downwards", verticalPdf("<00010002> Tj"), {QString::fromUtf8("日本")});
+    row("stated text of a ligature", inHelvetica(stated("(fi)", "(x) Tj") + "(sh) Tj"), {"fish"});
+    row("stated soft hyphen", inHelvetica("(co) Tj " + stated("<FEFF00AD>", "(!) Tj")), {"co-"});
+    row("stated words", inHelvetica("(a ) Tj " + stated("( two  words )", "(xxx) Tj") + "(b) Tj"),
+        {"a two words b"});
+    row("stated blank", inHelvetica("(a) Tj " + stated("( )", "( ) Tj") + "(b) Tj"), {"a b"});
+    row("stated to be nothing", inHelvetica(stated("()", "(xx) Tj") + "(a) Tj"), {"a"});
+    row("stated text within stated text",
+        inHelvetica(stated("(outer)", stated("(inner)", "(x) Tj") + "(y) Tj") + "(z) Tj"),
+        {"outerz"});
+    row("stated text of two lines", inHelvetica(stated("(all)", "(one) Tj 0 -20 Td (two) Tj")),
+        {"one", "two"});
+    row("stated text without an end", inHelvetica("/Span << /ActualText (ab) >> BDC (x) Tj"),
+        {"ab"});
+    row("stated text drawn twice",
+        inHelvetica(stated("(ab)", "(x) Tj") + "0 0 Td " + stated("(ab)", "(x) Tj")), {"ab"});
+}
+
+void TestLayout::rightToLeft_data()
+{
+    QTest::addColumn<QByteArray>("shown"); // operators, codes from left to right
+    QTest::addColumn<QString>("text");
+    // The codes: a to d are shin, lamed, vav and final mem; e and f are beh and lam-alef in Arabic
+    // shapes, g is a vowel point.
+    const auto row = [](const char *name, const QByteArray &shown, const char *text) {
+        QTest::newRow(name) << shown << QString::fromUtf8(text);
+    };
+    row("a word", "(dcba) Tj", "שלום");
+    row("two words", "(ba dcba) Tj", "שלום של");
+    row("a letter at a time from the right",
+        "40 0 Td (a) Tj -7.2 0 Td (b) Tj -7.2 0 Td (c) Tj -7.2 0 Td (d) Tj", "שלום");
+    row("a number behind", "(12.50 dcba) Tj", "שלום 12.50");
+    row("a number and a sign", "(5% dcba) Tj", "שלום 5%");
+    row("a date before", "(dcba 31/12/2026) Tj", "31/12/2026 שלום");
+    row("a Latin word", "(INV-7 dcba) Tj", "שלום INV-7");
+    row("a word in Latin text", "(INVOICE ba NO) Tj", "INVOICE של NO");
+    row("brackets as they look", "(\\(ba\\) dc) Tj", "ום (של)");
+    row("brackets as they are meant", "(\\)ba\\( dc) Tj", "ום (של)");
+    row("brackets in Latin text", "(VAT \\(ba\\)) Tj", "VAT (של)");
+    row("shapes inside words", "(fe) Tj", "بلا");
+    row("vowel points", "(b) Tj 2 0 Td (g) Tj 5.2 0 Td (a) Tj", "שלָ");
+    row("stated in reading order", stated("<FEFF05E905DC>", "(ef) Tj") + "(c) Tj", "ושל");
+}
+
+void TestLayout::rightToLeft()
+{
+    QFETCH(QByteArray, shown);
+    QFETCH(QString, text);
+    const QByteArray page = mappedPdf("BT /F2 12 Tf 20 100 Td " + shown + " ET",
+                                      {"05E9", "05DC", "05D5", "05DD", "FE91", "FEFC", "05B8"});
+    QCOMPARE(textsOf(page), QStringList{text});
+}
+
+void TestLayout::boxOfVerticalWriting()
+{
+    // Glyphs hang from the pen at x = 100, y = 150 points, centred; the second one is 1 em below.
+    const auto fragments = fragmentsOf(verticalPdf("<00010002> Tj"));
+    QCOMPARE(fragments.size(), std::size_t{1});
+    QCOMPARE(QRect(fragments[0].left, fragments[0].top, fragments[0].width, fragments[0].height),
+             QRect(125, 68, 16, 32));
 }
 
 void TestLayout::fragmentTexts()
