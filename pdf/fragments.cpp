@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <string>
 #include <tuple>
 #include <utility>
@@ -113,6 +114,28 @@ private:
     }
 };
 
+/// Adds each mark to the nearest line that has a letter for it, no line height away; one without a
+/// letter stands alone.
+void addMarks(std::vector<GlyphRun> &lines, const std::vector<GlyphRun> &marks)
+{
+    for (const GlyphRun &mark : marks) {
+        std::vector<GlyphRun *> candidates;
+        for (GlyphRun &line : lines) {
+            if (std::abs(line.line.across - mark.line.across) <= line.line.size &&
+                directionKey(line.line) == directionKey(mark.line))
+                candidates.push_back(&line);
+        }
+        std::stable_sort(candidates.begin(), candidates.end(), [&](GlyphRun *a, GlyphRun *b) {
+            return std::abs(a->line.across - mark.line.across) <
+                   std::abs(b->line.across - mark.line.across);
+        });
+        const bool isTaken = std::any_of(candidates.begin(), candidates.end(),
+                                         [&](GlyphRun *line) { return line->takesMark(mark); });
+        if (!isTaken)
+            lines.push_back(mark);
+    }
+}
+
 bool hasBlankBefore(const GlyphRun &run, std::size_t index, double blankGap)
 {
     const PlacedGlyph &glyph = run.glyphs[index];
@@ -211,15 +234,15 @@ int layoutCoordinate(double pixels)
     return std::max(1, static_cast<int>(whole));
 }
 
-std::vector<Fragment> makeFragments(std::vector<GlyphRun> runs)
+std::vector<Fragment> makeFragments(std::vector<GlyphRun> runs, const std::vector<GlyphRun> &marks)
 {
     std::vector<SortedRun> sorted;
     sorted.reserve(runs.size());
     for (GlyphRun &run : runs)
         sorted.push_back({directionKey(run.line), run.line.across, &run});
     std::sort(sorted.begin(), sorted.end(), isBefore);
-    std::vector<Fragment> fragments;
-    fragments.reserve(runs.size());
+    std::vector<GlyphRun> lines;
+    lines.reserve(runs.size());
     for (auto begin = sorted.begin(); begin != sorted.end();) {
         const SortedRun first = *begin;
         auto end = std::find_if_not(begin, sorted.end(), [&](const SortedRun &entry) {
@@ -231,10 +254,14 @@ std::vector<Fragment> makeFragments(std::vector<GlyphRun> runs)
         LineJoiner line;
         for (auto entry = begin; entry != end; ++entry)
             line.add(std::move(*entry->run));
-        for (const GlyphRun &run : line.joined)
-            fragments.push_back(fragmentOf(run));
+        std::move(line.joined.begin(), line.joined.end(), std::back_inserter(lines));
         begin = end;
     }
+    addMarks(lines, marks);
+    std::vector<Fragment> fragments;
+    fragments.reserve(lines.size());
+    for (const GlyphRun &line : lines)
+        fragments.push_back(fragmentOf(line));
     std::stable_sort(fragments.begin(), fragments.end(), [](const Fragment &a, const Fragment &b) {
         return std::make_pair(a.top, a.left) < std::make_pair(b.top, b.left);
     });

@@ -13,8 +13,10 @@ namespace pdf {
 /// The fragments of a page from its runs of glyphs, in reading order: by top, then by left.
 ///
 /// Runs on one baseline are joined wherever they were drawn in, unless there is a gap of more than
-/// about one em between them. What is drawn twice in nearly the same place is taken once.
-[[nodiscard]] std::vector<Fragment> makeFragments(std::vector<GlyphRun> runs);
+/// about one em between them. What is drawn twice in nearly the same place is taken once. Marks go
+/// to the letters that they stand on.
+[[nodiscard]] std::vector<Fragment> makeFragments(std::vector<GlyphRun> runs,
+                                                  const std::vector<GlyphRun> &marks);
 
 /// A coordinate as a whole number of pixels, at least 1, because readers of layouts take 0 and
 /// less for "no value".

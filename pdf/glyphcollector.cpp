@@ -101,6 +101,14 @@ void GlyphCollector::show(const TextAxes &axes, const ShownGlyph &glyph)
             runs.back().glyphs.back().end = end;
         return;
     }
+    if (isMark(glyph.character)) {
+        GlyphRun mark;
+        mark.line = line;
+        const double middle = start + glyph.toMiddle;
+        mark.append({middle, middle, glyph.character, false, false});
+        marks.push_back(std::move(mark));
+        return;
+    }
     place(line, {start, end, glyph.character, false, false});
 }
 
@@ -132,28 +140,45 @@ void GlyphCollector::beginReplacement(std::u32string text)
 void GlyphCollector::endReplacement()
 {
     isReplacing = false;
+    skipsContinuations = true;
+    if (replaced.empty())
+        return;
+    if (std::all_of(replacement.begin(), replacement.end(), isMark)) {
+        auto [axes, mark] = replaced.front();
+        for (const char32_t c : replacement) {
+            mark.character = c;
+            show(axes, mark);
+        }
+        return;
+    }
     GlyphCollector shown(width, height);
     for (const auto &[axes, glyph] : replaced)
         shown.show(axes, glyph);
-    std::vector<GlyphRun> lines = shown.takeRuns();
-    const auto isElsewhere = [&](const GlyphRun &run) {
+    const auto isBlankGlyph = [](const auto &entry) { return isBlank(entry.second.character); };
+    if (shown.runs.empty()) {
+        hasBlank = hasBlank || std::any_of(replaced.begin(), replaced.end(), isBlankGlyph);
+        return;
+    }
+    // Marks may come first, on lines of their own.
+    const auto widest = std::max_element(shown.runs.begin(), shown.runs.end(),
+                                         [](const GlyphRun &a, const GlyphRun &b) {
+                                             return a.end() - a.start() < b.end() - b.start();
+                                         });
+    const auto isElsewhere = [widest](const GlyphRun &run) {
         constexpr double accentSizes = 0.5;
-        return !isSameDirection(run.line, lines.front().line) ||
-               std::abs(run.line.across - lines.front().line.across) >
-                   accentSizes * lines.front().line.size;
+        return !isSameDirection(run.line, widest->line) ||
+               std::abs(run.line.across - widest->line.across) > accentSizes * widest->line.size;
     };
-    if (std::any_of(lines.begin(), lines.end(), isElsewhere)) {
+    if (std::any_of(shown.runs.begin(), shown.runs.end(), isElsewhere)) {
         for (const auto &[axes, glyph] : replaced)
             show(axes, glyph);
-    } else if (!lines.empty()) {
-        GlyphRun whole = lines.front();
-        for (const GlyphRun &run : lines)
-            whole.glyphs.insert(whole.glyphs.end(), run.glyphs.begin(), run.glyphs.end());
-        replace(whole);
-    } else if (std::any_of(replaced.begin(), replaced.end(),
-                           [](const auto &entry) { return isBlank(entry.second.character); })) {
-        hasBlank = true;
+        skipsContinuations = true;
+        return;
     }
+    GlyphRun whole = *widest;
+    for (const GlyphRun &run : shown.runs)
+        whole.glyphs.insert(whole.glyphs.end(), run.glyphs.begin(), run.glyphs.end());
+    replace(whole);
     skipsContinuations = true;
 }
 
@@ -187,6 +212,11 @@ std::vector<GlyphRun> GlyphCollector::takeRuns()
     if (isReplacing)
         endReplacement();
     return std::move(runs);
+}
+
+std::vector<GlyphRun> GlyphCollector::takeMarks()
+{
+    return std::move(marks);
 }
 
 } // namespace pdf

@@ -29,6 +29,9 @@ struct ShownGlyph
     double x = 0; ///< pen position
     double y = 0;
     double advance = 0; ///< way of the pen to the next glyph in em, without letter spacing
+    /// Way along the line from the pen to the middle of the shape, for marks and what does not move
+    /// the pen: the pen of a mark may be anywhere, its shape is over the letter it belongs to.
+    double toMiddle = 0;
     char32_t character = 0;
     bool isContinuation = false; ///< a further character of the glyph before
 };
@@ -50,6 +53,9 @@ public:
 
     /// All runs, once the page has been drawn.
     [[nodiscard]] std::vector<GlyphRun> takeRuns();
+    /// Accents and vowel points that were drawn by themselves, a run each, at their middles. Take
+    /// them after the runs.
+    [[nodiscard]] std::vector<GlyphRun> takeMarks();
 
 private:
     void show(const TextAxes &axes, const ShownGlyph &glyph);
@@ -62,6 +68,7 @@ private:
     double width;
     double height;
     std::vector<GlyphRun> runs;
+    std::vector<GlyphRun> marks;
     bool hasBlank = false;
     bool skipsContinuations = false;
     bool isReplacing = false;

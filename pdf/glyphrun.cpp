@@ -3,8 +3,6 @@
 
 #include "pdf/glyphrun.h"
 
-#include "pdf/characters.h"
-
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
@@ -36,10 +34,6 @@ void GlyphRun::append(const PlacedGlyph &glyph)
     if (glyphs.empty()) {
         constexpr std::size_t usualLength = 16;
         glyphs.reserve(usualLength);
-    } else if (isMark(glyph.character) && glyph.start < end()) {
-        // It belongs to the letter under it, whose width stays.
-        glyphs.push_back({end(), end(), glyph.character, false, true});
-        return;
     } else if (!glyph.isContinuation) {
         PlacedGlyph &last = glyphs.back();
         last.end = std::clamp(glyph.start, last.start, last.end);
@@ -48,6 +42,32 @@ void GlyphRun::append(const PlacedGlyph &glyph)
         ++gaps;
     }
     glyphs.push_back(glyph);
+}
+
+bool GlyphRun::takesMark(const GlyphRun &mark)
+{
+    // Marks stand half an em beside a narrow letter at most.
+    constexpr double widestReachEm = 0.5;
+    const double middle = mark.start();
+    const auto distanceTo = [middle](const PlacedGlyph &glyph) {
+        return std::max({0.0, glyph.start - middle, middle - glyph.end});
+    };
+    auto nearest = glyphs.end();
+    for (auto glyph = glyphs.begin(); glyph != glyphs.end(); ++glyph) {
+        if (!glyph->isContinuation &&
+            (nearest == glyphs.end() || distanceTo(*glyph) < distanceTo(*nearest)))
+            nearest = glyph;
+    }
+    if (nearest == glyphs.end() || distanceTo(*nearest) > widestReachEm * line.em)
+        return false;
+    const double end = nearest->end;
+    const char32_t character = mark.glyphs.front().character;
+    for (++nearest; nearest != glyphs.end() && nearest->isContinuation; ++nearest) {
+        if (nearest->character == character)
+            return true; // a bold look
+    }
+    glyphs.insert(nearest, {end, end, character, false, true});
+    return true;
 }
 
 double GlyphRun::letterSpacing() const

@@ -45,6 +45,8 @@ public:
     [[nodiscard]] double end() const { return glyphs.back().end; }
 
     void append(const PlacedGlyph &glyph);
+    /// Adds the mark to the letter under or over which it stands; gives whether there is one.
+    [[nodiscard]] bool takesMark(const GlyphRun &mark);
     /// Whether a glyph or run that starts there follows the last glyph as the next one of a word or
     /// line does. Kerning goes back a little; where a font states wider letters than the producer
     /// reckoned with, the next letter starts inside the last one.

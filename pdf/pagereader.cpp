@@ -12,6 +12,7 @@
 #include <cstring>
 #include <mupdf/fitz.h>
 #include <mupdf/pdf.h>
+#include <utility>
 
 // MuPDF reports errors by longjmp. Between fz_try and fz_catch therefore stand only C functions and
 // plain values; objects with destructors live outside, and C++ exceptions start after fz_catch.
@@ -281,7 +282,8 @@ std::vector<Fragment> PageReader::fragments(int index)
         if (fz_caught(context) == FZ_ERROR_MEMORY)
             fail(context);
     }
-    return makeFragments(collector.takeRuns());
+    std::vector<GlyphRun> runs = collector.takeRuns();
+    return makeFragments(std::move(runs), collector.takeMarks());
 }
 
 std::string PageReader::image(int index)

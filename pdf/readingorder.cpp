@@ -14,7 +14,9 @@ namespace {
 
 enum class Kind { Left, Right, Number, Separator, NumberSign, Neutral };
 
-Kind kindOf(char32_t c)
+/// isArabic: the line has Arabic letters, behind which plus, minus and the signs of percent and
+/// currencies are no part of a number (Unicode Annex 9, rule W2).
+Kind kindOf(char32_t c, bool isArabic)
 {
     switch (ucdn_get_bidi_class(c)) {
     case UCDN_BIDI_CLASS_L:
@@ -25,11 +27,12 @@ Kind kindOf(char32_t c)
     case UCDN_BIDI_CLASS_EN:
     case UCDN_BIDI_CLASS_AN:
         return Kind::Number;
-    case UCDN_BIDI_CLASS_ES:
     case UCDN_BIDI_CLASS_CS:
         return Kind::Separator;
+    case UCDN_BIDI_CLASS_ES:
+        return isArabic ? Kind::Neutral : Kind::Separator;
     case UCDN_BIDI_CLASS_ET:
-        return Kind::NumberSign;
+        return isArabic ? Kind::Neutral : Kind::NumberSign;
     default:
         return Kind::Neutral;
     }
@@ -136,14 +139,17 @@ int closedBrackets(const std::vector<char32_t> &text)
 bool isRightToLeft(char32_t c)
 {
     constexpr char32_t firstHebrew = 0x590;
-    return c >= firstHebrew && kindOf(c) == Kind::Right;
+    return c >= firstHebrew && kindOf(c, false) == Kind::Right;
 }
 
 std::vector<char32_t> readingOrder(std::vector<std::u32string> units)
 {
+    const bool isArabic = std::any_of(units.begin(), units.end(), [](const std::u32string &unit) {
+        return ucdn_get_bidi_class(unit.front()) == UCDN_BIDI_CLASS_AL;
+    });
     std::vector<Kind> kinds;
     for (const std::u32string &unit : units)
-        kinds.push_back(kindOf(unit.front()));
+        kinds.push_back(kindOf(unit.front(), isArabic));
     std::vector<int> levels = levelsOf(std::move(kinds));
     turnAround(units, levels);
     std::vector<char32_t> text;

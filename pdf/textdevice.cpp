@@ -3,6 +3,8 @@
 
 #include "pdf/textdevice.h"
 
+#include "pdf/characters.h"
+
 #include <exception>
 
 namespace pdf {
@@ -34,6 +36,23 @@ TextAxes axesOf(const fz_text_span *span, fz_matrix transform)
                       : TextAxes(matrix.a, matrix.b, matrix.c, matrix.d, false);
 }
 
+/// Way along the line from the pen to the middle of the drawn shape.
+double wayToMiddle(fz_context *context, const fz_text_span *span, const fz_text_item &item,
+                   fz_matrix transform, const TextAxes &axes)
+{
+    fz_matrix matrix = span->trm;
+    matrix.e = item.x;
+    matrix.f = item.y;
+    matrix = fz_concat(matrix, transform);
+    const fz_rect box = fz_bound_glyph(context, span->font, item.gid, matrix);
+    if (fz_is_empty_rect(box))
+        return 0;
+    const float x = (box.x0 + box.x1) / 2 - matrix.e;
+    const float y = (box.y0 + box.y1) / 2 - matrix.f;
+    return static_cast<double>(x) * axes.line.directionX +
+           static_cast<double>(y) * axes.line.directionY;
+}
+
 void addText(fz_context *context, fz_device *device, const fz_text *text, fz_matrix transform)
 {
     GlyphCollector *collector = reinterpret_cast<TextDevice *>(device)->collector;
@@ -53,6 +72,8 @@ void addText(fz_context *context, fz_device *device, const fz_text *text, fz_mat
             if (!glyph.isContinuation)
                 glyph.advance = static_cast<double>(
                     fz_advance_glyph(context, span->font, item.gid, axes.line.isVertical));
+            if (!glyph.isContinuation && (glyph.advance == 0 || isMark(glyph.character)))
+                glyph.toMiddle = wayToMiddle(context, span, item, transform, axes);
             if (!addGlyph(collector, axes, glyph))
                 fz_throw(context, FZ_ERROR_MEMORY, "out of memory");
         }

@@ -275,6 +275,12 @@ void TestLayout::rightToLeft_data()
     row("brackets in Latin text", "(VAT \\(ba\\)) Tj", "VAT (של)");
     row("shapes inside words", "(fe) Tj", "بلا");
     row("vowel points", "(b) Tj 2 0 Td (g) Tj 5.2 0 Td (a) Tj", "שלָ");
+    row("vowel points at another height, before their letter",
+        "(b) Tj 7.2 2 Td (g) Tj 0 -2 Td (a) Tj", "שָל");
+    row("stated letter with a vowel point",
+        "(c) Tj 7.2 2 Td " + stated("<FEFF05DC05B8>", "(g) Tj 0 -2 Td (b) Tj"), "לָו");
+    row("stated vowel point", "(b) Tj 2 3 Td " + stated("<FEFF05B8>", "(e) Tj"), "לָ");
+    row("percent after Arabic", "(%50 fe) Tj", "بلا 50%");
     row("stated in reading order", stated("<FEFF05E905DC>", "(ef) Tj") + "(c) Tj", "ושל");
 }
 
