@@ -147,9 +147,10 @@ std::vector<char32_t> readingOrder(std::vector<std::u32string> units)
     const bool isArabic = std::any_of(units.begin(), units.end(), [](const std::u32string &unit) {
         return ucdn_get_bidi_class(unit.front()) == UCDN_BIDI_CLASS_AL;
     });
-    std::vector<Kind> kinds;
-    for (const std::u32string &unit : units)
-        kinds.push_back(kindOf(unit.front(), isArabic));
+    std::vector<Kind> kinds(units.size());
+    std::transform(
+        units.begin(), units.end(), kinds.begin(),
+        [isArabic](const std::u32string &unit) { return kindOf(unit.front(), isArabic); });
     std::vector<int> levels = levelsOf(std::move(kinds));
     turnAround(units, levels);
     std::vector<char32_t> text;
