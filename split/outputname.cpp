@@ -11,8 +11,7 @@ namespace {
 
 const QLatin1String suffix(".pdf");
 
-/// `text` as it may stand in a file name, without regard to its length.
-QString fileNameText(QString text)
+QString withoutForbiddenCharacters(QString text)
 {
     for (QChar &c : text) {
         if (c == QLatin1Char('/'))
@@ -43,15 +42,22 @@ QString cutToBytes(const QString &text, qsizetype bytes)
 
 } // namespace
 
+QString fileNameText(const QString &text, qsizetype maxBytes)
+{
+    return cutToBytes(withoutForbiddenCharacters(text), maxBytes);
+}
+
 QString outputFileName(const OutputDocument &document, int methodIndex)
 {
     const QString before = QString::number(document.number) + QLatin1Char(' ');
     QString after = QLatin1Char(' ') + document.baseName;
     if (methodIndex != static_cast<int>(SplitMethod::GroupEqualTexts))
         after += QLatin1Char(' ') + document.ranges;
+    if (document.copy > 1)
+        after += QStringLiteral(" (%1)").arg(document.copy);
     after += suffix;
     const qsizetype room = maxFileNameBytes - before.toUtf8().size() - after.toUtf8().size();
-    return before + cutToBytes(fileNameText(document.text), room) + after;
+    return before + fileNameText(document.text, room) + after;
 }
 
 QString outputPath(const QString &outputFolder, const OutputDocument &document, int methodIndex)
@@ -60,7 +66,12 @@ QString outputPath(const QString &outputFolder, const OutputDocument &document, 
            outputFileName(document, methodIndex);
 }
 
-QString numberedPath(const QString &path, int count)
+QString firstFreePath(const std::function<QString(int copy)> &pathOfCopy,
+                      const std::function<bool(const QString &path)> &isFree)
 {
-    return path.chopped(suffix.size()) + QStringLiteral(" (%1)").arg(count) + suffix;
+    int copy = 1;
+    QString path = pathOfCopy(copy);
+    while (!isFree(path))
+        path = pathOfCopy(++copy);
+    return path;
 }

@@ -5,6 +5,8 @@
 
 #include <QString>
 
+#include <functional>
+
 /// The parts of an output document's name.
 struct OutputDocument
 {
@@ -12,6 +14,7 @@ struct OutputDocument
     QString text;     ///< the text that names the document
     QString baseName; ///< of the input file: no folder, no suffix
     QString ranges;   ///< the document's page ranges, as decideSplit() writes them
+    int copy = 1;     ///< from 2 on it is added to the name, " (2)", see firstFreePath()
 };
 
 /// The longest file name that Linux file systems take, in bytes of UTF-8.
@@ -27,6 +30,11 @@ constexpr int maxFileNameBytes = 255;
 [[nodiscard]] QString outputPath(const QString &outputFolder, const OutputDocument &document,
                                  int methodIndex);
 
-/// `path` with " (COUNT)" before its ".pdf", for documents of different input files that would
+/// `text` as it may stand in a file name: "/" becomes "-", control characters become blanks, and it
+/// ends after the last whole character that fits `maxBytes` bytes of UTF-8.
+[[nodiscard]] QString fileNameText(const QString &text, qsizetype maxBytes);
+
+/// The first of pathOfCopy(1), pathOfCopy(2), ... that `isFree` accepts, for documents that would
 /// otherwise overwrite each other.
-[[nodiscard]] QString numberedPath(const QString &path, int count);
+[[nodiscard]] QString firstFreePath(const std::function<QString(int copy)> &pathOfCopy,
+                                    const std::function<bool(const QString &path)> &isFree);

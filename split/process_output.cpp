@@ -42,13 +42,16 @@ void Process::splitpdffile()
 QString Process::nextOutputPath()
 {
     const QString input = cellText(fileIndex, 0);
-    const OutputDocument document = {mergeIndex + 1, textList.at(mergeIndex),
-                                     QFileInfo(input).baseName(), rangeList.at(mergeIndex)};
-    const QString wanted =
-        outputPath(ui->outputfolderEdit->text(), document, ui->comboBox_method->currentIndex());
-    QString path = wanted;
-    for (int count = 2; inputOfOutput.value(path, input) != input; ++count)
-        path = numberedPath(wanted, count);
+    OutputDocument document = {mergeIndex + 1, textList.at(mergeIndex), QFileInfo(input).baseName(),
+                               rangeList.at(mergeIndex), 1};
+    const auto pathOfCopy = [&](int copy) {
+        document.copy = copy;
+        return outputPath(ui->outputfolderEdit->text(), document,
+                          ui->comboBox_method->currentIndex());
+    };
+    const QString path = firstFreePath(pathOfCopy, [&](const QString &candidate) {
+        return inputOfOutput.value(candidate, input) == input;
+    });
     inputOfOutput.insert(path, input);
     return path;
 }

@@ -7,6 +7,7 @@
 #include "tests/support/privatefolders.h"
 
 #include <QCoreApplication>
+#include <QFileInfo>
 #include <QProcess>
 #include <QTest>
 
@@ -59,7 +60,9 @@ private slots:
     {
         const QString path = outputPath("/out/", {1, "A", "in", "1"}, 0);
         QCOMPARE(path, QStringLiteral("/out//in/1 A in 1.pdf"));
-        QCOMPARE(numberedPath(path, 2), QStringLiteral("/out//in/1 A in 1 (2).pdf"));
+        const QString copy = outputPath("/out/", {1, QString(300, 'A'), "in", "1", 12}, 0);
+        QVERIFY(copy.endsWith("A in 1 (12).pdf"));
+        QCOMPARE(QFileInfo(copy).fileName().size(), maxFileNameBytes);
     }
 
     void commands_data()
