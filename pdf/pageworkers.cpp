@@ -3,8 +3,6 @@
 
 #include "pdf/pageworkers.h"
 
-#include "pdf/limits.h"
-
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
@@ -22,7 +20,7 @@ namespace pdf {
 
 namespace {
 
-constexpr int maximalWorkers = 16;
+constexpr int maximalWorkers = 128;
 
 long long secondsNow()
 {
@@ -197,7 +195,7 @@ private:
         if (processes[worker] <= 0)
             return;
         Slot &slot = board->slots[worker];
-        const bool isLate = secondsNow() - slot.since > pageTimeLimitSeconds;
+        const bool isLate = secondsNow() - slot.since > work.secondsPerPage;
         if (isLate)
             ::kill(processes[worker], SIGKILL);
         int status = 0;

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "pdf/error.h"
+#include "pdf/limits.h"
 
 #include <functional>
 #include <string>
@@ -16,6 +17,7 @@ struct PageWork
 {
     int pageCount = 0;
     int workerCount = 1;
+    int secondsPerPage = pageTimeLimitSeconds; ///< longest time one page may take
     /// Called in each worker process once; gives the function that converts the page of an index.
     /// Both throw Error: OutputUnwritable ends the whole work, anything else gives the page up.
     std::function<std::function<void(int index)>()> startWorker;

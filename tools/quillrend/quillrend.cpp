@@ -8,8 +8,8 @@
 #include "pdf/limits.h"
 #include "pdf/outputfile.h"
 #include "pdf/pageranges.h"
-#include "pdf/pagereader.h"
 #include "pdf/pageworkers.h"
+#include "pdf/repairingreader.h"
 #include "tools/toolmain.h"
 
 #include <algorithm>
@@ -167,31 +167,10 @@ public:
     }
 
 private:
-    /// The reader of this worker process; pages are then this process's own, too.
     std::function<void(int)> startWorker()
     {
-        try {
-            reader = std::make_unique<pdf::PageReader>(pages);
-        } catch (const pdf::Error &) {
-            readCopy();
-        }
-        return [this](int index) {
-            try {
-                convert(index);
-            } catch (const pdf::Error &error) {
-                if (error.exitCode() == pdf::ExitCode::OutputUnwritable || pages.isCopy())
-                    throw;
-                readCopy();
-                convert(index);
-            }
-        };
-    }
-
-    void readCopy()
-    {
-        reader.reset();
-        pages.makeCopy();
-        reader = std::make_unique<pdf::PageReader>(pages);
+        reader = std::make_unique<pdf::RepairingReader>(pages);
+        return [this](int index) { convert(index); };
     }
 
     void convert(int index)
@@ -206,7 +185,7 @@ private:
 
     const Request &request;
     pdf::ReadablePages pages;
-    std::unique_ptr<pdf::PageReader> reader;
+    std::unique_ptr<pdf::RepairingReader> reader;
     int first = 1;
     int count = 0;
 };
