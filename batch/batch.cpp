@@ -1,0 +1,81 @@
+// SPDX-FileCopyrightText: 2026 The Sendrivo authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "batch/batch.h"
+
+#include "batch/commandline.h"
+#include "batch/output.h"
+#include "batch/rulecommands.h"
+#include "batch/splitcommand.h"
+#include "pdf/error.h"
+#include "pdf/limits.h"
+
+#include <QCoreApplication>
+
+#include <clocale>
+#include <cstdlib>
+#include <cstring>
+#include <langinfo.h>
+#include <unistd.h>
+
+namespace {
+
+/// File names are taken as UTF-8, as the window takes them; cron gives its jobs the locale "C".
+void useUtf8()
+{
+    std::setlocale(LC_ALL, "");
+    if (std::strcmp(::nl_langinfo(CODESET), "UTF-8") != 0)
+        ::setenv("LC_ALL", "C.UTF-8", 1);
+}
+
+void emergencyExit(const char *cause)
+{
+    for (const char *part : {"sendrivo-batch: the file ", cause, "\n"}) {
+        [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, part, std::strlen(part));
+    }
+    ::_exit(static_cast<int>(pdf::ExitCode::InputUnreadable));
+}
+
+pdf::ExitCode run(const BatchOptions &options)
+{
+    switch (options.action) {
+    case Action::Help:
+        printLine(helpText().chopped(1));
+        break;
+    case Action::Version:
+        printLine(QStringLiteral("sendrivo-batch " SENDRIVO_VERSION));
+        break;
+    case Action::ListRules:
+        listRules(options);
+        break;
+    case Action::ShowFragments:
+        pdf::installEmergencyExit(emergencyExit);
+        showFragments(options);
+        break;
+    case Action::SaveRule:
+        pdf::installEmergencyExit(emergencyExit);
+        saveNewRule(options);
+        break;
+    case Action::Split:
+        return splitInputs(options);
+    }
+    return pdf::ExitCode::Done;
+}
+
+} // namespace
+
+int runBatch(int argc, char *argv[])
+{
+    useUtf8();
+    const QCoreApplication application(argc, argv);
+    pdf::limitResources();
+    try {
+        return static_cast<int>(run(parseCommandLine(QCoreApplication::arguments().mid(1))));
+    } catch (const pdf::Error &error) {
+        complain(QString::fromLocal8Bit(error.what()));
+        return static_cast<int>(error.exitCode());
+    } catch (const std::exception &error) {
+        complain(QString::fromLocal8Bit(error.what()));
+        return static_cast<int>(pdf::ExitCode::InputUnreadable);
+    }
+}

@@ -1,0 +1,97 @@
+// SPDX-FileCopyrightText: 2026 The Sendrivo authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "batch/documentnames.h"
+
+#include "batch/nametemplate.h"
+#include "pdf/error.h"
+#include "pdf/mappedfile.h"
+#include "split/outputname.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <optional>
+
+namespace {
+
+class Namer
+{
+public:
+    Namer(const SplitPlan &splitPlan, const QString &inputFile, const TakenPaths &takenPaths)
+        : plan(splitPlan), input(inputFile), taken(takenPaths),
+          baseName(QFileInfo(inputFile).baseName())
+    {
+        if (!plan.nameTemplate.isEmpty())
+            pattern.emplace(plan.nameTemplate);
+    }
+
+    QString path(int number, const QString &text, const QString &range)
+    {
+        OutputDocument document = {number, text, baseName, range, 1};
+        const QString wanted = pathOf(document);
+        // A pattern may give thousands of documents the same name: go on where the last one ended.
+        int &lastCopy = lastCopies[wanted];
+        const auto pathOfCopy = [&](int) {
+            document.copy = ++lastCopy;
+            return pathOf(document);
+        };
+        const QString result = firstFreePath(
+            pathOfCopy, [this](const QString &candidate) { return isFree(candidate); });
+        check(result);
+        own.insert(result);
+        return result;
+    }
+
+private:
+    [[nodiscard]] QString pathOf(const OutputDocument &document) const
+    {
+        if (!pattern)
+            return outputPath(plan.outputFolder, document, plan.methodIndex);
+        return plan.outputFolder + QLatin1Char('/') + baseName + QLatin1Char('/') +
+               pattern->fileName(document);
+    }
+
+    [[nodiscard]] bool isFree(const QString &candidate) const
+    {
+        return !own.contains(candidate) && taken.value(candidate, input) == input &&
+               (plan.existing != ExistingFiles::Rename || !QFile::exists(candidate));
+    }
+
+    void check(const QString &path) const
+    {
+        const std::string bytes = QFile::encodeName(path).toStdString();
+        const auto refuse = [&bytes](const char *cause) {
+            throw pdf::Error(pdf::ExitCode::OutputUnwritable, bytes + ": " + cause);
+        };
+        if (bytes.size() - bytes.rfind('/') - 1 > maxFileNameBytes)
+            refuse("is too long a name");
+        if (plan.existing == ExistingFiles::Fail && QFile::exists(path))
+            refuse("exists already");
+        if (pdf::isSameFile(bytes, QFile::encodeName(input).toStdString()))
+            refuse("is the input itself");
+    }
+
+    const SplitPlan &plan;
+    const QString &input;
+    const TakenPaths &taken;
+    QString baseName;
+    std::optional<NameTemplate> pattern;
+    QSet<QString> own;
+    QHash<QString, int> lastCopies;
+};
+
+} // namespace
+
+QList<DocumentResult> nameDocuments(const SplitPlan &plan, const QString &input,
+                                    const SplitDecision &decision, const TakenPaths &taken)
+{
+    Namer namer(plan, input, taken);
+    QList<DocumentResult> documents;
+    for (int k = 0; k < decision.rangeList.size(); ++k) {
+        const QString &range = decision.rangeList[k];
+        const QString &text = decision.textList[k];
+        documents.append({range, text, namer.path(k + 1, text, range), 0});
+    }
+    return documents;
+}

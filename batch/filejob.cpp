@@ -1,0 +1,158 @@
+// SPDX-FileCopyrightText: 2026 The Sendrivo authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "batch/filejob.h"
+
+#include "batch/pagetexts.h"
+#include "batch/sharedrecords.h"
+#include "batch/stagingfolder.h"
+#include "pdf/assembly.h"
+#include "pdf/pageranges.h"
+#include "pdf/pageworkers.h"
+#include "split/pagerange.h"
+
+#include <QElapsedTimer>
+#include <QFile>
+#include <QFileInfo>
+
+#include <algorithm>
+#include <csignal>
+#include <optional>
+
+namespace {
+
+using pdf::Error;
+using pdf::ExitCode;
+
+void holdBackSignals()
+{
+    sigset_t set;
+    ::sigfillset(&set);
+    ::sigprocmask(SIG_BLOCK, &set, nullptr);
+}
+
+std::vector<int> indexesOf(const QString &ranges)
+{
+    std::vector<pdf::PageRange> spans;
+    for (const PageSpan &span : pageSpans(ranges))
+        spans.push_back({span.first, span.last});
+    return pdf::pageIndexes(spans);
+}
+
+/// Writes one document aside and makes sure that it has its pages.
+void writeDocument(pdf::Document &document, const DocumentResult &planned, const std::string &path)
+{
+    const std::vector<int> indexes = indexesOf(planned.range);
+    pdf::OutputFile output(path);
+    pdf::assemblePages(document, indexes, output);
+    output.publish();
+    const pdf::Document written(path);
+    if (written.pages().pages.size() != indexes.size())
+        throw Error(ExitCode::InputUnreadable, "pages are missing in the document");
+}
+
+/// Writes all documents aside, in processes of their own.
+void writeDocuments(pdf::Document &document, const QList<DocumentResult> &documents,
+                    const StagingFolder &staging, int workers)
+{
+    const int count = static_cast<int>(documents.size());
+    SharedRecords causes(count + 1);
+    pdf::PageWork work;
+    work.pageCount = count;
+    work.workerCount = std::clamp(workers, 1, count);
+    work.secondsPerPage = pdf::documentTimeLimitSeconds;
+    work.startWorker = [&]() -> std::function<void(int)> {
+        return [&](int index) {
+            writeDocument(document, documents[index],
+                          QFile::encodeName(staging.pathOf(index)).toStdString());
+        };
+    };
+    work.report = [&](int index, const std::string &cause) {
+        causes.put(index < 0 ? count : index, cause);
+    };
+    const ExitCode code = pdf::workOnPages(work);
+    if (code == ExitCode::Done)
+        return;
+    for (int index = count; index >= 0; --index) {
+        if (const auto cause = causes.at(index))
+            throw Error(code == ExitCode::DoneInPart ? ExitCode::InputUnreadable : code,
+                        std::string(*cause));
+    }
+    throw Error(ExitCode::InputUnreadable, "documents cannot be written");
+}
+
+void setVerdict(FileResult &result, const PageTexts &texts)
+{
+    result.complaints = texts.complaints;
+    result.pagesWithoutText = rangesOf(texts.pagesWithout);
+    result.verdict = verdict::done;
+    if (!texts.pagesGivenUp.isEmpty()) {
+        result.verdict = verdict::pagesGivenUp;
+        result.exitCode = ExitCode::DoneInPart;
+    } else if (texts.pagesWithout.size() == result.pages) {
+        result.verdict = verdict::noTextLayer;
+    } else if (!texts.hasAnyAtPosition) {
+        result.verdict = verdict::noTextAtPosition;
+    }
+}
+
+void publish(const SplitPlan &plan, pdf::Document &document, int workers, FileResult &result)
+{
+    const QString folder = QFileInfo(result.documents.first().file).path();
+    StagingFolder staging(folder);
+    writeDocuments(document, result.documents, staging, workers);
+    QStringList paths;
+    for (int index = 0; index < result.documents.size(); ++index) {
+        result.documents[index].bytes = QFileInfo(staging.pathOf(index)).size();
+        paths.append(result.documents[index].file);
+    }
+    holdBackSignals();
+    staging.publish(paths, plan.existing == ExistingFiles::Overwrite);
+}
+
+void split(const SplitPlan &plan, const FileJob &job, FileProgress &progress, FileResult &result)
+{
+    pdf::Document document(QFile::encodeName(job.input).toStdString());
+    result.pages = document.pages().count();
+    progress.pageCount = result.pages;
+    if (result.pages == 0)
+        throw Error(ExitCode::InputUnreadable, "has no pages");
+    if (!document.mayAssemble())
+        throw Error(ExitCode::Forbidden, "its permissions forbid taking pages out");
+    constexpr int pagesPerWorker = 10; // a further process costs as much as about ten pages
+    const int workers = std::clamp(result.pages / pagesPerWorker, 1, job.workers);
+    const PageTexts texts = readPageTexts(document, plan.query, workers, progress.pagesDone);
+    const SplitDecision decision = decideSplit(texts.texts, plan.methodIndex);
+    if (!areAllPagesOnce(decision.rangeList, result.pages))
+        throw Error(ExitCode::InputUnreadable, "the documents do not hold every page once");
+    setVerdict(result, texts);
+    result.documents = nameDocuments(plan, job.input, decision, job.taken);
+    if (!plan.isDryRun)
+        publish(plan, document, workers, result);
+}
+
+} // namespace
+
+FileResult splitFile(const SplitPlan &plan, const FileJob &job, FileProgress &progress)
+{
+    QElapsedTimer timer;
+    timer.start();
+    FileResult result = beginResult(job.input);
+    const auto fail = [&](ExitCode code, const char *cause) {
+        const int pages = result.pages;
+        result = failedResult(job.input, code, QString::fromLocal8Bit(cause));
+        result.pages = pages;
+    };
+    try {
+        split(plan, job, progress, result);
+    } catch (const Error &error) {
+        fail(error.exitCode(), error.what());
+    } catch (const std::bad_alloc &) {
+        fail(ExitCode::InputUnreadable, "needs too much memory");
+    } catch (const std::exception &error) {
+        fail(ExitCode::InputUnreadable, error.what());
+    }
+    constexpr double milliseconds = 1e3;
+    result.seconds = static_cast<double>(timer.elapsed()) / milliseconds;
+    return result;
+}

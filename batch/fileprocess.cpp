@@ -1,0 +1,143 @@
+// SPDX-FileCopyrightText: 2026 The Sendrivo authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "batch/fileprocess.h"
+
+#include "batch/stagingfolder.h"
+#include "batch/stopsignals.h"
+#include "pdf/limits.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QJsonDocument>
+
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <fcntl.h>
+#include <stdexcept>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+namespace {
+
+// For the exit from a signal handler, in the processes of one input only.
+FileProgress *runningProgress = nullptr;
+
+void emergencyExit(const char *cause)
+{
+    runningProgress->emergency = cause;
+    ::_exit(static_cast<int>(pdf::ExitCode::InputUnreadable));
+}
+
+} // namespace
+
+FileProcess::FileProcess(const SplitPlan &plan, const FileJob &job, FileProgress &progress)
+    : inputFile(job.input),
+      documentFolder(plan.outputFolder + QLatin1Char('/') + QFileInfo(job.input).baseName()),
+      shared(progress)
+{
+    shared.pageCount = 0;
+    shared.pagesDone = 0;
+    shared.emergency = nullptr;
+    std::array<int, 2> ends = {-1, -1};
+    if (::pipe2(ends.data(), O_CLOEXEC) != 0)
+        throw std::runtime_error(std::strerror(errno));
+    const pid_t parent = ::getpid();
+    process = ::fork();
+    if (process == 0) {
+        ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+        if (::getppid() != parent)
+            ::_exit(0);
+        work(plan, job, progress, ends[1]);
+    }
+    const int cause = errno;
+    ::close(ends[1]);
+    channel = ends[0];
+    if (process < 0) {
+        ::close(channel);
+        throw std::runtime_error(std::strerror(cause));
+    }
+}
+
+void FileProcess::work(const SplitPlan &plan, const FileJob &job, FileProgress &progress,
+                       int channel)
+{
+    StopSignals::handOver();
+    runningProgress = &progress;
+    pdf::installEmergencyExit(emergencyExit);
+    const QByteArray bytes =
+        QJsonDocument(toJson(splitFile(plan, job, progress))).toJson(QJsonDocument::Compact);
+    for (qsizetype sent = 0; sent < bytes.size();) {
+        const ssize_t count = ::write(channel, bytes.constData() + sent,
+                                      static_cast<std::size_t>(bytes.size() - sent));
+        if (count < 0 && errno != EINTR)
+            break;
+        sent += count > 0 ? count : 0;
+    }
+    ::_exit(0);
+}
+
+FileProcess::~FileProcess()
+{
+    if (channel >= 0)
+        ::close(channel);
+    if (process > 0) {
+        ::kill(process, SIGKILL);
+        ::waitpid(process, nullptr, 0);
+    }
+}
+
+bool FileProcess::receive()
+{
+    std::array<char, 65536> buffer;
+    const ssize_t count = ::read(channel, buffer.data(), buffer.size());
+    if (count > 0)
+        received.append(buffer.data(), count);
+    if (count > 0 || (count < 0 && errno == EINTR))
+        return false;
+    ::waitpid(process, nullptr, 0);
+    process = -1;
+    return true;
+}
+
+FileResult FileProcess::result() const
+{
+    const QJsonDocument document = QJsonDocument::fromJson(received);
+    if (document.isObject())
+        return fromJson(document.object());
+    clearAway();
+    const char *emergency = shared.emergency;
+    return failedResult(
+        inputFile, pdf::ExitCode::InputUnreadable,
+        QString::fromLatin1(emergency != nullptr ? emergency : "crashes the reader"));
+}
+
+void FileProcess::stop() const
+{
+    if (process > 0)
+        ::kill(process, SIGTERM);
+}
+
+/// The processes of the input hold its staging folder until the last of them has ended, a moment
+/// after the first.
+void FileProcess::clearAway() const
+{
+    constexpr int attempts = 20;
+    constexpr std::chrono::milliseconds pause(10);
+    const QDir folder(documentFolder);
+    for (int i = 0; i < attempts && folder.exists(); ++i) {
+        removeAbandonedStaging(documentFolder);
+        // Only an empty folder goes away.
+        if (folder.isEmpty(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot)) {
+            ::rmdir(QFile::encodeName(documentFolder).constData());
+            return;
+        }
+        if (!hasStaging(documentFolder))
+            return;
+        std::this_thread::sleep_for(pause);
+    }
+}

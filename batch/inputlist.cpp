@@ -1,0 +1,101 @@
+// SPDX-FileCopyrightText: 2026 The Sendrivo authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "batch/inputlist.h"
+
+#include "pdf/error.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QHash>
+#include <QSet>
+
+#include <cstdio>
+#include <unistd.h>
+
+namespace {
+
+QStringList readList(const QString &source)
+{
+    QFile file(source);
+    const bool isOpen = source == QLatin1String("-") ? file.open(stdin, QIODevice::ReadOnly)
+                                                     : file.open(QIODevice::ReadOnly);
+    if (!isOpen)
+        throw pdf::Error(pdf::ExitCode::Usage,
+                         (source + QLatin1String(": ") + file.errorString()).toStdString());
+    const QByteArray bytes = file.readAll();
+    QStringList names;
+    for (const QByteArray &name : bytes.split(bytes.contains('\0') ? '\0' : '\n')) {
+        if (name.isEmpty())
+            continue;
+        names.append(QFile::decodeName(name));
+        if (QFile::encodeName(names.last()) != name)
+            throw pdf::Error(pdf::ExitCode::Usage, name.toStdString() + ": is not valid UTF-8");
+    }
+    return names;
+}
+
+[[noreturn]] void refuse(const QString &path, const char *cause)
+{
+    throw pdf::Error(pdf::ExitCode::OutputUnwritable, path.toStdString() + ": " + cause);
+}
+
+bool isWritable(const QString &folder)
+{
+    return ::access(QFile::encodeName(folder).constData(), W_OK | X_OK) == 0;
+}
+
+} // namespace
+
+QStringList collectInputs(const BatchOptions &options)
+{
+    QStringList names;
+    for (const QString &input : options.inputs)
+        names += input == QLatin1String("-") ? readList(input) : QStringList(input);
+    if (!options.filesFrom.isEmpty())
+        names += readList(options.filesFrom);
+    QStringList inputs;
+    QSet<QString> seen;
+    for (const QString &name : std::as_const(names)) {
+        const QString path = QDir::cleanPath(QFileInfo(name).absoluteFilePath());
+        if (!seen.contains(path))
+            inputs.append(path);
+        seen.insert(path);
+    }
+    return inputs;
+}
+
+std::vector<InputGroup> groupInputs(const QStringList &inputs)
+{
+    std::vector<InputGroup> groups;
+    QHash<QString, std::size_t> groupOfName;
+    for (const QString &input : inputs) {
+        const QString name = QFileInfo(input).baseName();
+        const auto found = groupOfName.constFind(name);
+        const std::size_t group = found != groupOfName.constEnd() ? *found : groups.size();
+        if (group == groups.size()) {
+            groupOfName.insert(name, group);
+            groups.emplace_back();
+        }
+        groups[group].inputs.append(input);
+    }
+    return groups;
+}
+
+void checkFolders(const QString &outputFolder, const std::vector<InputGroup> &groups)
+{
+    if (!QFileInfo(outputFolder).isDir())
+        refuse(outputFolder, "is not an existing folder");
+    if (!isWritable(outputFolder))
+        refuse(outputFolder, "cannot be written to");
+    for (const InputGroup &group : groups) {
+        const QString folder =
+            outputFolder + QLatin1Char('/') + QFileInfo(group.inputs.first()).baseName();
+        const QFileInfo existing(folder);
+        if (existing.exists() && !existing.isDir())
+            refuse(folder, "is a file where a folder is needed");
+        if (existing.exists() && !isWritable(folder))
+            refuse(folder, "cannot be written to");
+    }
+}

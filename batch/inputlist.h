@@ -1,0 +1,25 @@
+// SPDX-FileCopyrightText: 2026 The Sendrivo authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include "batch/batchoptions.h"
+#include "batch/scheduler.h"
+
+#include <QStringList>
+
+#include <vector>
+
+/// The inputs of a call as absolute paths: those given, and those in the lists, from a file or,
+/// for "-", from standard input. A list that holds a NUL is separated by NULs, else by line feeds;
+/// empty entries do not count. What is listed twice is taken once.
+/// Throws pdf::Error(Usage) when a list cannot be read, or a name is not valid UTF-8.
+[[nodiscard]] QStringList collectInputs(const BatchOptions &options);
+
+/// The inputs by base name, groups and inputs in the order given.
+[[nodiscard]] std::vector<InputGroup> groupInputs(const QStringList &inputs);
+
+/// Finds what would fail for every document, or for all of a group: an output folder that does not
+/// exist, a subfolder whose name a file has, folders that cannot be written to.
+/// Throws pdf::Error(OutputUnwritable).
+void checkFolders(const QString &outputFolder, const std::vector<InputGroup> &groups);

@@ -1,0 +1,127 @@
+// SPDX-FileCopyrightText: 2026 The Sendrivo authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "batch/pagetexts.h"
+
+#include "batch/sharedrecords.h"
+#include "pdf/error.h"
+#include "pdf/pageworkers.h"
+#include "pdf/repairingreader.h"
+#include "split/layoutscan.h"
+
+#include <algorithm>
+#include <cstring>
+#include <functional>
+#include <memory>
+
+namespace {
+
+// The first byte of a page's record tells what the others are.
+constexpr char textFound = 'T';    ///< the deciding text
+constexpr char nothingThere = 'N'; ///< nothing: the page has text, but none at the position
+constexpr char pageIsEmpty = 'E';  ///< nothing: the page has no text at all
+constexpr char givenUp = 'G';      ///< the cause
+
+/// Runs `convert` for each page in worker processes. The record behind the last page's takes the
+/// cause of what ended the whole work.
+void workInProcesses(pdf::Document &document, SharedRecords &records, int pageCount, int workers,
+                     const std::function<void(pdf::RepairingReader &, int)> &convert)
+{
+    pdf::ReadablePages pages(document);
+    std::unique_ptr<pdf::RepairingReader> reader; // of each worker process
+    pdf::PageWork work;
+    work.pageCount = pageCount;
+    work.workerCount = workers;
+    work.startWorker = [&]() -> std::function<void(int)> {
+        reader = std::make_unique<pdf::RepairingReader>(pages);
+        return [&](int index) { convert(*reader, index); };
+    };
+    work.report = [&](int index, const std::string &cause) {
+        records.put(index < 0 ? pageCount : index, givenUp + cause);
+    };
+    const pdf::ExitCode code = pdf::workOnPages(work);
+    if (code == pdf::ExitCode::Done || code == pdf::ExitCode::DoneInPart)
+        return;
+    const std::string_view cause = records.at(pageCount).value_or(" cannot be read");
+    throw pdf::Error(code, std::string(cause.substr(1)));
+}
+
+std::string pageRecord(const std::vector<pdf::Fragment> &fragments, const TextQuery &query)
+{
+    if (fragments.empty())
+        return {pageIsEmpty};
+    const QString text = queriedText(fragments, query);
+    return text == noText() ? std::string{nothingThere} : textFound + text.toStdString();
+}
+
+QString toText(std::string_view bytes)
+{
+    return QString::fromUtf8(bytes.data(), static_cast<qsizetype>(bytes.size()));
+}
+
+} // namespace
+
+PageTexts readPageTexts(pdf::Document &document, const TextQuery &query, int workers,
+                        std::atomic<int> &pagesDone)
+{
+    const int count = document.pages().count();
+    SharedRecords records(count + 1);
+    workInProcesses(document, records, count, workers,
+                    [&](pdf::RepairingReader &reader, int index) {
+                        records.put(index, pageRecord(reader.fragments(index), query));
+                        ++pagesDone;
+                    });
+    PageTexts result;
+    for (int index = 0; index < count; ++index) {
+        const std::string_view record = records.at(index).value_or("Gnot read");
+        QString text = noText();
+        if (record[0] == textFound) {
+            text = toText(record.substr(1));
+            result.hasAnyAtPosition = true;
+        } else if (record[0] == pageIsEmpty) {
+            result.pagesWithout.append(index + 1);
+        } else if (record[0] == givenUp) {
+            result.pagesGivenUp.append(index + 1);
+            result.complaints.append(
+                QStringLiteral("page %1: given up: %2")
+                    .arg(QString::number(index + 1), toText(record.substr(1))));
+        }
+        result.texts.append(text);
+    }
+    return result;
+}
+
+std::vector<pdf::Fragment> readFragments(pdf::Document &document, int page)
+{
+    if (page > document.pages().count())
+        throw pdf::Error(pdf::ExitCode::Usage, document.file().path() + ": has " +
+                                                   std::to_string(document.pages().count()) +
+                                                   " pages, no page " + std::to_string(page));
+    SharedRecords records(2);
+    const auto store = [&](pdf::RepairingReader &reader, int) {
+        std::string record;
+        for (const pdf::Fragment &fragment : reader.fragments(page - 1)) {
+            const int box[] = {fragment.left, fragment.top, fragment.width, fragment.height,
+                               static_cast<int>(fragment.text.size())};
+            record.append(reinterpret_cast<const char *>(box), sizeof box);
+            record += fragment.text;
+        }
+        records.put(0, textFound + record);
+    };
+    workInProcesses(document, records, 1, 1, store);
+    std::string_view record = records.at(0).value_or("Gnot read");
+    if (record[0] == givenUp)
+        throw pdf::Error(pdf::ExitCode::InputUnreadable,
+                         document.file().path() + ": page " + std::to_string(page) +
+                             ": given up: " + std::string(record.substr(1)));
+    std::vector<pdf::Fragment> result;
+    for (record.remove_prefix(1); !record.empty();) {
+        int box[5];
+        std::memcpy(box, record.data(), sizeof box);
+        record.remove_prefix(sizeof box);
+        const auto length = static_cast<std::size_t>(box[4]);
+        result.push_back({box[0], box[1], box[2], box[3], std::string(record.substr(0, length))});
+        record.remove_prefix(length);
+    }
+    return result;
+}

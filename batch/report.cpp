@@ -1,0 +1,130 @@
+// SPDX-FileCopyrightText: 2026 The Sendrivo authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "batch/report.h"
+
+#include "pdf/error.h"
+
+#include <QDateTime>
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace {
+
+/// What was asked for, as far as documents depend on it.
+QJsonObject request(const SplitPlan &plan)
+{
+    return {{"rule", plan.ruleName},
+            {"position", QJsonArray{plan.query.left, plan.query.top}},
+            {"tolerance", plan.query.tolerancePx},
+            {"match", plan.query.match.pattern()},
+            {"method", plan.methodIndex + 1},
+            {"name", plan.nameTemplate},
+            {"output", plan.outputFolder}};
+}
+
+bool isSameRequest(const QJsonObject &entry, const QJsonObject &wanted)
+{
+    for (auto item = wanted.begin(); item != wanted.end(); ++item) {
+        if (entry[item.key()] != item.value())
+            return false;
+    }
+    return true;
+}
+
+} // namespace
+
+QJsonObject reportEntry(const FileResult &result, const SplitPlan &plan)
+{
+    QJsonObject entry = toJson(result);
+    const QJsonObject asked = request(plan);
+    for (auto item = asked.begin(); item != asked.end(); ++item)
+        entry.insert(item.key(), item.value());
+    return entry;
+}
+
+Report::Report(const QString &reportPath, const SplitPlan &splitPlan, bool isResuming)
+    : path(reportPath), plan(splitPlan)
+{
+    const int replacing = isResuming ? 0 : O_TRUNC;
+    file = ::open(QFile::encodeName(path).constData(),
+                  O_RDWR | O_APPEND | O_CREAT | O_CLOEXEC | replacing, 0666);
+    if (file < 0)
+        fail();
+    if (isResuming)
+        read();
+}
+
+Report::~Report()
+{
+    if (file >= 0)
+        ::close(file);
+}
+
+void Report::fail() const
+{
+    const std::string cause = std::strerror(errno);
+    throw pdf::Error(pdf::ExitCode::OutputUnwritable, path.toStdString() + ": " + cause);
+}
+
+void Report::read()
+{
+    QFile reader(path);
+    if (!reader.open(QIODevice::ReadOnly))
+        fail();
+    const QJsonObject wanted = request(plan);
+    QByteArray line;
+    while (!reader.atEnd()) {
+        line = reader.readLine();
+        // A line that a killed run left unfinished says nothing.
+        const QJsonObject entry = QJsonDocument::fromJson(line).object();
+        const FileResult result = fromJson(entry);
+        if (result.input.isEmpty() || !isSameRequest(entry, wanted))
+            continue;
+        if (result.isDone())
+            doneInputs.insert(result.input, result);
+        else
+            doneInputs.remove(result.input);
+    }
+    if (!line.isEmpty() && !line.endsWith('\n'))
+        write("\n");
+}
+
+std::optional<FileResult> Report::doneBefore(const QString &input) const
+{
+    const auto found = doneInputs.constFind(input);
+    if (found == doneInputs.constEnd())
+        return std::nullopt;
+    const FileResult now = beginResult(input);
+    const bool isThere = std::all_of(
+        found->documents.begin(), found->documents.end(), [](const DocumentResult &document) {
+            const QFileInfo written(document.file);
+            return written.isFile() && written.size() == document.bytes;
+        });
+    if (found->size != now.size || found->time != now.time || !isThere)
+        return std::nullopt;
+    return *found;
+}
+
+void Report::append(const FileResult &result)
+{
+    write(QJsonDocument(reportEntry(result, plan)).toJson(QJsonDocument::Compact) + '\n');
+}
+
+/// One call for the whole line: the system appends it as one piece.
+void Report::write(const QByteArray &line)
+{
+    const ssize_t written = ::write(file, line.constData(), static_cast<std::size_t>(line.size()));
+    if (written >= 0 && written < line.size())
+        errno = ENOSPC;
+    if (written != line.size())
+        fail();
+}

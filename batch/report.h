@@ -1,0 +1,46 @@
+// SPDX-FileCopyrightText: 2026 The Sendrivo authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include "batch/batchoptions.h"
+#include "batch/fileresult.h"
+
+#include <QHash>
+#include <QString>
+
+#include <optional>
+
+/// The report of runs: one JSON object a line for each input, written when its documents are
+/// published. Lines are appended whole, so several runs can share a report.
+class Report
+{
+public:
+    /// Opens the report, empty unless `isResuming`; then what it says so far is read.
+    /// Throws pdf::Error(OutputUnwritable).
+    Report(const QString &path, const SplitPlan &plan, bool isResuming);
+    ~Report();
+    Report(const Report &) = delete;
+    Report &operator=(const Report &) = delete;
+
+    /// The entry that shows the input as done, if there is one: written for the same rule,
+    /// position, method and naming, when the input had the size and time that it has now, without a
+    /// failure, and with all its documents still there.
+    [[nodiscard]] std::optional<FileResult> doneBefore(const QString &input) const;
+
+    /// Throws pdf::Error(OutputUnwritable).
+    void append(const FileResult &result);
+
+private:
+    void read();
+    void write(const QByteArray &line);
+    [[noreturn]] void fail() const;
+
+    QString path;
+    const SplitPlan &plan;
+    QHash<QString, FileResult> doneInputs;
+    int file = -1;
+};
+
+/// A result with what was asked for: an entry of the report.
+[[nodiscard]] QJsonObject reportEntry(const FileResult &result, const SplitPlan &plan);

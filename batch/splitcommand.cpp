@@ -1,0 +1,234 @@
+// SPDX-FileCopyrightText: 2026 The Sendrivo authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "batch/splitcommand.h"
+
+#include "batch/inputlist.h"
+#include "batch/nametemplate.h"
+#include "batch/output.h"
+#include "batch/progressline.h"
+#include "batch/report.h"
+#include "pdf/error.h"
+#include "rules/rulestore.h"
+
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <QSettings>
+
+#include <csignal>
+#include <optional>
+
+namespace {
+
+using pdf::ExitCode;
+
+[[noreturn]] void refuse(const QString &cause)
+{
+    throw pdf::Error(ExitCode::Usage, cause.toStdString());
+}
+
+TextQuery makeQuery(const BatchOptions &options)
+{
+    TextQuery query;
+    query.tolerancePx = options.tolerancePx;
+    query.match.setPattern(options.match);
+    query.match.setPatternOptions(QRegularExpression::UseUnicodePropertiesOption);
+    if (!query.match.isValid())
+        refuse(QStringLiteral("--match: %1").arg(query.match.errorString()));
+    query.match.optimize();
+    if (options.position) {
+        query.left = options.position->first;
+        query.top = options.position->second;
+        return query;
+    }
+    const QSettings settings(options.settingsFile, QSettings::IniFormat);
+    if (!isRuleNameTaken(settings, options.ruleName))
+        refuse(
+            QStringLiteral("%1: has no rule \"%2\"").arg(options.settingsFile, options.ruleName));
+    const Subtext rule = readRule(settings, options.ruleName);
+    query.left = rule.left;
+    query.top = rule.top;
+    return query;
+}
+
+SplitPlan makePlan(const BatchOptions &options)
+{
+    SplitPlan plan;
+    plan.query = makeQuery(options);
+    plan.ruleName = options.ruleName;
+    plan.methodIndex = options.methodIndex;
+    plan.nameTemplate = options.nameTemplate;
+    if (!plan.nameTemplate.isEmpty())
+        const NameTemplate checked(plan.nameTemplate);
+    plan.outputFolder = QFileInfo(options.outputFolder).absoluteFilePath();
+    plan.existing = options.existing;
+    plan.isDryRun = options.isDryRun;
+    return plan;
+}
+
+QString summary(const FileResult &result, const SplitPlan &plan)
+{
+    const auto count = [](qsizetype number, const char *what) {
+        return QStringLiteral("%1 %2%3").arg(number).arg(what, number == 1 ? "" : "s");
+    };
+    return QStringLiteral("%1: %2 from %3 in %4/%5")
+        .arg(result.input, count(result.documents.size(), "document"), count(result.pages, "page"),
+             plan.outputFolder, QFileInfo(result.input).baseName());
+}
+
+/// Prints and reports what became of the inputs.
+class Results
+{
+public:
+    Results(const BatchOptions &batchOptions, const SplitPlan &splitPlan)
+        : options(batchOptions), plan(splitPlan), progress(!options.isQuiet)
+    {
+        if (!options.reportFile.isEmpty() && !options.isDryRun)
+            report.emplace(options.reportFile, plan, options.isResuming);
+    }
+
+    /// Takes the inputs that are done already out of the groups.
+    void skipDone(std::vector<InputGroup> &groups)
+    {
+        if (!report || !options.isResuming)
+            return;
+        for (InputGroup &group : groups) {
+            QStringList left;
+            for (const QString &input : std::as_const(group.inputs)) {
+                const std::optional<FileResult> earlier = report->doneBefore(input);
+                if (!earlier) {
+                    left.append(input);
+                    continue;
+                }
+                ++skipped;
+                exits.add(ExitCode::Done);
+                for (const DocumentResult &document : earlier->documents)
+                    group.taken.insert(document.file, input);
+            }
+            group.inputs = left;
+        }
+        groups.erase(std::remove_if(groups.begin(), groups.end(),
+                                    [](const InputGroup &group) { return group.inputs.isEmpty(); }),
+                     groups.end());
+    }
+
+    void add(const FileResult &result)
+    {
+        progress.clear();
+        exits.add(result.exitCode);
+        ++done;
+        for (const QString &complaint : result.complaints)
+            complain(result.input + QLatin1String(": ") + complaint);
+        if (!result.cause.isEmpty())
+            complain(result.input + QLatin1String(": ") + result.cause);
+        else if (result.verdict != verdict::done)
+            complain(result.input + QLatin1String(": ") + result.verdict);
+        if (report)
+            report->append(result);
+        print(result);
+    }
+
+    void show(const RunState &state) { progress.show(state); }
+
+    void stopped(int files)
+    {
+        progress.clear();
+        complain(QStringLiteral("stopped: %1 of %2 files done, nothing left of the others")
+                     .arg(done + skipped)
+                     .arg(files + skipped));
+    }
+
+    void end()
+    {
+        progress.clear();
+        if (skipped > 0 && !options.isQuiet)
+            complain(QStringLiteral("%1 files were done before").arg(skipped));
+    }
+
+    [[nodiscard]] ExitCode exitCode() const { return exits.exitCode(); }
+
+private:
+    void print(const FileResult &result) const
+    {
+        if (options.isJson)
+            printLine(QString::fromUtf8(
+                QJsonDocument(reportEntry(result, plan)).toJson(QJsonDocument::Compact)));
+        else if (plan.isDryRun)
+            printPlanned(result);
+        else if (!options.isQuiet && !result.documents.isEmpty())
+            printLine(summary(result, plan));
+    }
+
+    static void printPlanned(const FileResult &result)
+    {
+        for (const DocumentResult &document : result.documents)
+            printLine(QStringList{document.range, document.text, document.file}.join(u'\t'));
+    }
+
+    const BatchOptions &options;
+    const SplitPlan &plan;
+    ProgressLine progress;
+    std::optional<Report> report;
+    ExitSummary exits;
+    int done = 0;
+    int skipped = 0;
+};
+
+} // namespace
+
+void ExitSummary::add(ExitCode code)
+{
+    switch (code) {
+    case ExitCode::Done:
+        ++good;
+        break;
+    case ExitCode::DoneInPart:
+        ++inPart;
+        break;
+    case ExitCode::OutputUnwritable:
+        ++unwritable;
+        break;
+    case ExitCode::Forbidden:
+        ++forbidden;
+        break;
+    case ExitCode::Usage:
+    case ExitCode::InputUnreadable:
+        ++unreadable;
+        break;
+    }
+}
+
+ExitCode ExitSummary::exitCode() const
+{
+    // A full disk is about the destination and not about any input.
+    if (unwritable > 0)
+        return ExitCode::OutputUnwritable;
+    if (unreadable == 0 && forbidden == 0)
+        return inPart > 0 ? ExitCode::DoneInPart : ExitCode::Done;
+    if (good > 0 || inPart > 0)
+        return ExitCode::DoneInPart;
+    return unreadable == 0 ? ExitCode::Forbidden : ExitCode::InputUnreadable;
+}
+
+ExitCode splitInputs(const BatchOptions &options)
+{
+    const SplitPlan plan = makePlan(options);
+    std::vector<InputGroup> groups = groupInputs(collectInputs(options));
+    checkFolders(plan.outputFolder, groups);
+    Results results(options, plan);
+    results.skipDone(groups);
+    int files = 0;
+    for (const InputGroup &group : groups)
+        files += static_cast<int>(group.inputs.size());
+    RunListener listener;
+    listener.fileDone = [&](const FileResult &result) { results.add(result); };
+    listener.tick = [&](const RunState &state) { results.show(state); };
+    const int jobs = options.jobs > 0 ? options.jobs : availableProcessors();
+    if (const int number = runGroups(plan, groups, jobs, listener)) {
+        results.stopped(files);
+        std::fflush(nullptr);
+        std::raise(number);
+    }
+    results.end();
+    return results.exitCode();
+}

@@ -1,0 +1,124 @@
+// SPDX-FileCopyrightText: 2026 The Sendrivo authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "batch/stagingfolder.h"
+
+#include "pdf/error.h"
+
+#include <QDir>
+#include <QFile>
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+const QLatin1String hiddenName(".sendrivo-staging-");
+
+QStringList stagingFolders(const QString &folder)
+{
+    return QDir(folder).entryList({hiddenName + QLatin1Char('*')}, QDir::Dirs | QDir::Hidden);
+}
+
+/// Renames; without `mayReplace` a file that has the new name makes it fail.
+bool renameFile(const QByteArray &from, const QByteArray &to, bool mayReplace)
+{
+    if (mayReplace)
+        return ::rename(from.constData(), to.constData()) == 0;
+    // A link fails where the name is taken.
+    if (::link(from.constData(), to.constData()) == 0)
+        return ::unlink(from.constData()) == 0;
+    const bool knowsNoLinks = errno == EPERM || errno == EOPNOTSUPP || errno == ENOSYS;
+    return knowsNoLinks && ::access(to.constData(), F_OK) != 0 &&
+           ::rename(from.constData(), to.constData()) == 0;
+}
+
+} // namespace
+
+StagingFolder::StagingFolder(const QString &folder) : parent(folder)
+{
+    isParentNew = ::mkdir(QFile::encodeName(parent).constData(), 0777) == 0;
+    if (!isParentNew && errno != EEXIST)
+        fail(parent);
+    removeAbandonedStaging(parent);
+    while (!create()) {
+    }
+}
+
+/// False when another process took the new folder for an abandoned one before it was locked.
+bool StagingFolder::create()
+{
+    QByteArray name = QFile::encodeName(parent) + '/' + hiddenName.data() + "XXXXXX";
+    if (::mkdtemp(name.data()) == nullptr)
+        fail(parent);
+    lock = ::open(name.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (lock < 0)
+        fail(parent);
+    // A file system without locks leaves the folder unlocked, and nobody takes it for abandoned.
+    struct stat status = {};
+    const bool isTaken = ::flock(lock, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+    if (!isTaken && ::stat(name.constData(), &status) == 0) {
+        hidden = QFile::decodeName(name);
+        return true;
+    }
+    ::close(lock);
+    return false;
+}
+
+StagingFolder::~StagingFolder()
+{
+    QDir(hidden).removeRecursively();
+    ::close(lock);
+    // Only an empty folder can be removed this way.
+    if (isParentNew)
+        ::rmdir(QFile::encodeName(parent).constData());
+}
+
+void StagingFolder::fail(const QString &path)
+{
+    const std::string cause = std::strerror(errno);
+    throw pdf::Error(pdf::ExitCode::OutputUnwritable, path.toStdString() + ": " + cause);
+}
+
+QString StagingFolder::pathOf(int index) const
+{
+    return hidden + QLatin1Char('/') + QString::number(index + 1) + QLatin1String(".pdf");
+}
+
+void StagingFolder::publish(const QStringList &paths, bool mayReplace)
+{
+    for (int index = 0; index < paths.size(); ++index) {
+        if (renameFile(QFile::encodeName(pathOf(index)), QFile::encodeName(paths[index]),
+                       mayReplace))
+            continue;
+        const int cause = errno;
+        for (int named = 0; named < index; ++named)
+            QFile::remove(paths[named]);
+        errno = cause;
+        fail(paths[index]);
+    }
+}
+
+void removeAbandonedStaging(const QString &folder)
+{
+    for (const QString &name : stagingFolders(folder)) {
+        const QString path = folder + QLatin1Char('/') + name;
+        const int held =
+            ::open(QFile::encodeName(path).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+        if (held < 0)
+            continue;
+        if (::flock(held, LOCK_EX | LOCK_NB) == 0)
+            QDir(path).removeRecursively();
+        ::close(held);
+    }
+}
+
+bool hasStaging(const QString &folder)
+{
+    return !stagingFolders(folder).isEmpty();
+}

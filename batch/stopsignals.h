@@ -1,0 +1,27 @@
+// SPDX-FileCopyrightText: 2026 The Sendrivo authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include <array>
+#include <csignal>
+
+/// Turns the signals that end a program into something to be polled, as long as it lives. There is
+/// one at a time.
+class StopSignals
+{
+public:
+    StopSignals();
+    ~StopSignals();
+    StopSignals(const StopSignals &) = delete;
+    StopSignals &operator=(const StopSignals &) = delete;
+
+    /// Readable once a signal has come.
+    [[nodiscard]] int descriptor() const;
+    /// The first signal that came, 0 when none has. Empties the descriptor.
+    int take();
+    /// In a fork: SIGTERM ends it again, the signals of a terminal are left to the first process.
+    static void handOver();
+
+    static constexpr std::array<int, 3> numbers = {SIGHUP, SIGINT, SIGTERM};
+};

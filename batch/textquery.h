@@ -1,0 +1,27 @@
+// SPDX-FileCopyrightText: 2026 The Sendrivo authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include "pdf/fragment.h"
+
+#include <QRegularExpression>
+#include <QString>
+
+#include <vector>
+
+/// Which text of a page decides.
+struct TextQuery
+{
+    int left = 0;             ///< of the fragment's top left corner, page pixels
+    int top = 0;              ///< of the same corner
+    int tolerancePx = 0;      ///< how far, in each direction, the corner may be away
+    QRegularExpression match; ///< what a text must match to count; empty: anything counts
+};
+
+/// The text that decides for a page with these fragments, or noText(). It is written as in a layout
+/// file, so that names are the window's to the byte. Among several fragments within the tolerance
+/// the one nearest to the position wins, then the one that comes first. When the expression has a
+/// group, the text of its first group is taken, and an empty one does not count.
+[[nodiscard]] QString queriedText(const std::vector<pdf::Fragment> &fragments,
+                                  const TextQuery &query);
