@@ -46,11 +46,11 @@ void workInProcesses(pdf::Document &document, SharedRecords &records, int pageCo
     throw pdf::Error(code, std::string(cause.substr(1)));
 }
 
-std::string pageRecord(const std::vector<pdf::Fragment> &fragments, const TextQuery &query)
+std::string pageRecord(const pdf::NearbyText &page, const TextQuery &query)
 {
-    if (fragments.empty())
+    if (page.fragments.empty() && !page.hasOther)
         return {pageIsEmpty};
-    const QString text = queriedText(fragments, query);
+    const QString text = queriedText(page.fragments, query);
     return text == noText() ? std::string{nothingThere} : textFound + text.toStdString();
 }
 
@@ -66,9 +66,11 @@ PageTexts readPageTexts(pdf::Document &document, const TextQuery &query, int wor
 {
     const int count = document.pages().count();
     SharedRecords records(count + 1);
+    const pdf::TextBand band = {static_cast<double>(query.top) - query.tolerancePx,
+                                static_cast<double>(query.top) + query.tolerancePx};
     workInProcesses(document, records, count, workers,
                     [&](pdf::RepairingReader &reader, int index) {
-                        records.put(index, pageRecord(reader.fragments(index), query));
+                        records.put(index, pageRecord(reader.fragmentsIn(index, band), query));
                         ++pagesDone;
                     });
     PageTexts result;

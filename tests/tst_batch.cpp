@@ -1,0 +1,369 @@
+// SPDX-FileCopyrightText: 2026 The Sendrivo authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "pdf/repairingreader.h"
+#include "rules/rulestore.h"
+#include "rules/settingsfile.h"
+#include "tests/support/pdfbuilder.h"
+#include "tests/support/pdfreader.h"
+#include "tests/support/privatefolders.h"
+#include "tests/support/samplepdf.h"
+#include "tests/support/toolrunner.h"
+#include "tests/support/windowdriver.h"
+
+#include <QApplication>
+#include <QComboBox>
+#include <QDir>
+#include <QDirIterator>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QSettings>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <csignal>
+
+namespace {
+
+const QList<SampleInvoice> invoices = {
+    {"20/1/7", "Alder & <b>", 2}, {"INV-2", "Cobalt", 3, true}, {"INV-3", "Alder & <b>", 1}};
+
+ToolResult batch(const QStringList &arguments)
+{
+    return runTool("sendrivo-batch", arguments);
+}
+
+QString path(const QString &name)
+{
+    return QDir::current().filePath(name);
+}
+
+/// All files below a folder, hidden ones included, with their bytes.
+QMap<QString, QByteArray> filesIn(const QString &folder)
+{
+    QMap<QString, QByteArray> files;
+    QDirIterator walk(folder, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+    while (walk.hasNext()) {
+        const QString file = walk.next();
+        files.insert(QDir(folder).relativeFilePath(file), readFile(file));
+    }
+    return files;
+}
+
+QStringList namesIn(const QString &folder)
+{
+    return filesIn(folder).keys();
+}
+
+QList<QJsonObject> reportLines(const QString &file)
+{
+    QList<QJsonObject> lines;
+    for (const QByteArray &line : readFile(file).split('\n')) {
+        if (!line.isEmpty())
+            lines.append(QJsonDocument::fromJson(line).object());
+    }
+    return lines;
+}
+
+} // namespace
+
+/// sendrivo-batch as its users call it, with the real program.
+class TestBatch : public QObject
+{
+    Q_OBJECT
+
+    std::unique_ptr<QTemporaryDir> output;
+
+    [[nodiscard]] QStringList splitArguments(const QStringList &further,
+                                             const QString &rule = "number") const
+    {
+        return QStringList{"--rule", rule, "--output", output->path()} + further;
+    }
+
+private slots:
+    /// The rules are stored with the program itself, as found on a page of the sample.
+    void initTestCase()
+    {
+        QVERIFY(writeSamplePdf(path("in.pdf"), invoices));
+        const ToolResult listed = batch({"--fragments", "1", "--json", path("in.pdf")});
+        QCOMPARE(listed.exitCode, 0);
+        for (const QByteArray &line : listed.output.split('\n')) {
+            const QJsonObject fragment = QJsonDocument::fromJson(line).object();
+            const QString text = fragment["text"].toString();
+            const QString place =
+                QString("%1,%2").arg(fragment["left"].toInt()).arg(fragment["top"].toInt());
+            const QString rule = text == "20/1/7"              ? "number"
+                                 : text == "Alder & &lt;b&gt;" ? "customer"
+                                                               : QString();
+            if (rule.isEmpty())
+                continue;
+            const ToolResult saved =
+                batch({"--save-rule", rule, place, "--fragments", "1", path("in.pdf")});
+            QCOMPARE(saved.exitCode, 0);
+        }
+        QCOMPARE(batch({"--list-rules"}).output, QByteArray("customer\nnumber\n"));
+        const QSettings settings(settingsFileName(), QSettings::IniFormat);
+        const Subtext rule = readRule(settings, "number");
+        QVERIFY(rule.width > 10 && rule.height > 5);
+        QCOMPARE(rule.text, QString("20/1/7"));
+        QCOMPARE(currentRuleName(settings), QString("number"));
+        QCOMPARE(batch({"--save-rule", "number", "5,5"}).exitCode, 2);
+        QCOMPARE(batch({"--save-rule", "new", "5,5", "--fragments", "1", path("in.pdf")}).exitCode,
+                 2);
+    }
+
+    void init() { output = std::make_unique<QTemporaryDir>(); }
+
+    /// Window and program give the same files, to the byte.
+    void sameAsWindow_data()
+    {
+        QTest::addColumn<QString>("rule");
+        QTest::addColumn<int>("method");
+        QTest::newRow("text changes") << "number" << 0;
+        QTest::newRow("text is there") << "number" << 1;
+        QTest::newRow("grouped") << "customer" << 2;
+    }
+    void sameAsWindow()
+    {
+        QFETCH(QString, rule);
+        QFETCH(int, method);
+        QStringList inputs = {path("in.pdf"), path("other/in.pdf"), path("turned.v2.pdf"),
+                              path("open.pdf"), path("scan.pdf")};
+        QDir::current().mkpath("other");
+        QVERIFY(writeSamplePdf(inputs[1], {{"20/1/7", "Alder & <b>", 2}, {"B", "C", 2}}));
+        QVERIFY(writeSamplePdf(inputs[2], invoices, SampleLayout::Rotated90));
+        encryptSamplePdf(inputs[0], inputs[3], {});
+        writeFile(inputs[4], simplePdf({"0 0 m 9 9 l S", "0 0 m 9 9 l S"}));
+        const QTemporaryDir fromWindow;
+        WindowDriver driver;
+        QVERIFY(driver.add(inputs));
+        driver.widget<QComboBox>("comboBox_rule")->setCurrentText(rule);
+        driver.widget<QComboBox>("comboBox_method")->setCurrentIndex(method);
+        driver.setOutputFolder(fromWindow.path());
+        QVERIFY(driver.split());
+
+        const ToolResult result =
+            batch(splitArguments({"--method", QString::number(method + 1)}, rule) + inputs);
+        QCOMPARE(result.exitCode, 0);
+        QVERIFY(result.errors.contains("scan.pdf: no text layer"));
+        QMap<QString, QByteArray> expected = filesIn(fromWindow.path());
+        QMap<QString, QByteArray> found = filesIn(output->path());
+        QCOMPARE(found.keys(), expected.keys());
+        for (const QString &name : expected.keys()) {
+            if (!name.startsWith("open/")) // encryption is different each time
+                QVERIFY2(found[name] == expected[name], qPrintable(name));
+        }
+    }
+
+    /// Reading only the heights that are asked for gives the fragments of the whole page.
+    void bandsAreExact()
+    {
+        QByteArrayList pages = {showText(20, 150, "small on the line", 6) +
+                                    showText(70, 150, "large", 40) + showText(180, 151, "next"),
+                                showText(5, 10, "huge", 90) + showText(20, 180, "top", 5)};
+        writeFile(path("bands.pdf"), simplePdf(pages));
+        QVERIFY(writeSamplePdf(path("turned.pdf"), invoices, SampleLayout::Rotated270));
+        int compared = 0;
+        for (const char *name : {"in.pdf", "turned.pdf", "bands.pdf"}) {
+            pdf::Document document(path(name).toStdString());
+            pdf::ReadablePages readable(document);
+            pdf::RepairingReader reader(readable);
+            for (int page = 0; page < readable.count(); ++page) {
+                for (const pdf::Fragment &fragment : reader.fragments(page)) {
+                    const double top = fragment.top;
+                    const pdf::NearbyText near = reader.fragmentsIn(page, {top, top});
+                    const auto same = [&](const pdf::Fragment &other) {
+                        return other.left == fragment.left && other.top == fragment.top &&
+                               other.width == fragment.width && other.text == fragment.text;
+                    };
+                    QVERIFY2(std::any_of(near.fragments.begin(), near.fragments.end(), same),
+                             fragment.text.c_str());
+                    ++compared;
+                }
+            }
+        }
+        QVERIFY(compared > 100);
+    }
+
+    void namesAndTexts_data()
+    {
+        QTest::addColumn<QStringList>("options");
+        QTest::addColumn<QStringList>("names");
+        const auto row = [](const char *name, const QStringList &options,
+                            const QStringList &names) { QTest::newRow(name) << options << names; };
+        row("template", {"--name", "{n:03} {first}-{last:2} {pages} {{{base}}} {range}.pdf"},
+            {"in/001 1-02 2 {in} 1-2.pdf", "in/002 3-05 3 {in} 3-5.pdf",
+             "in/003 6-06 1 {in} 6.pdf"});
+        row("same names are numbered", {"--name", "{base}", "--method", "2"},
+            {"in/in (2).pdf", "in/in (3).pdf", "in/in (4).pdf", "in/in.pdf"});
+        row("matching texts", {"--match", "INV-(\\d+)"},
+            {"in/1   in 1-2.pdf", "in/2 2 in 3-5.pdf", "in/3 3 in 6.pdf"});
+        row("nothing matches", {"--match", "^X"}, {"in/1   in 1-6.pdf"});
+    }
+    void namesAndTexts()
+    {
+        QFETCH(QStringList, options);
+        QCOMPARE(batch(splitArguments(options + QStringList{path("in.pdf")})).exitCode, 0);
+        QTEST(namesIn(output->path()), "names");
+    }
+
+    /// Of two texts near the position the nearest is taken, and none beyond the tolerance.
+    void tolerance()
+    {
+        const auto page = [](double x, double y) {
+            return showText(x, y, "here") + showText(x + 60, y, "far");
+        };
+        writeFile(path("jitter.pdf"), simplePdf({page(30, 100), page(31.5, 98.5), page(36, 100)}));
+        const QByteArray line =
+            batch({"--fragments", "1", "--json", path("jitter.pdf")}).output.split('\n').value(0);
+        const QJsonObject first = QJsonDocument::fromJson(line).object();
+        const QString place = QString("%1,%2").arg(first["left"].toInt()).arg(first["top"].toInt());
+        const auto found = [&](const QString &px) {
+            return batch({"--position", place, "--tolerance", px, "--method", "2", "--dry-run",
+                          "--output", output->path(), path("jitter.pdf")})
+                .output.count('\n');
+        };
+        QCOMPARE(found("0"), 1);
+        QCOMPARE(found("2"), 2);
+        QCOMPARE(found("8"), 3);
+        QCOMPARE(namesIn(output->path()), QStringList());
+    }
+
+    void existingFiles_data()
+    {
+        QTest::addColumn<QString>("mode");
+        QTest::addColumn<int>("exitCode");
+        QTest::addColumn<QStringList>("names");
+        QTest::addColumn<bool>("isReplaced");
+        const QStringList all = {"in/1 20-1-7 in 1-2.pdf", "in/2 INV-2 in 3-5.pdf",
+                                 "in/3 INV-3 in 6.pdf"};
+        QTest::newRow("overwrite") << "overwrite" << 0 << all << true;
+        QTest::newRow("fail") << "fail" << 5 << QStringList{all[1]} << false;
+        QTest::newRow("rename") << "rename" << 0
+                                << QStringList{all[0], "in/2 INV-2 in 3-5 (2).pdf", all[1], all[2]}
+                                << false;
+    }
+    void existingFiles()
+    {
+        QFETCH(QString, mode);
+        QFETCH(bool, isReplaced);
+        QDir(output->path()).mkdir("in");
+        const QString there = output->filePath("in/2 INV-2 in 3-5.pdf");
+        writeFile(there, "mine");
+        const ToolResult result = batch(splitArguments({"--existing", mode, path("in.pdf")}));
+        QTEST(result.exitCode, "exitCode");
+        QTEST(namesIn(output->path()), "names");
+        QCOMPARE(readFile(there) != "mine", isReplaced);
+    }
+
+    /// Exit codes and complaints; a call that is wrong leaves nothing.
+    void failures_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<int>("exitCode");
+        QTest::addColumn<QByteArray>("complaint");
+        const auto row = [](const char *name, const QStringList &arguments, int exitCode,
+                            const QByteArray &complaint) {
+            QTest::newRow(name) << arguments << exitCode << complaint;
+        };
+        row("no such rule", {"--rule", "none", "in.pdf"}, 2, "has no rule \"none\"");
+        row("unknown option", {"--rules", "number", "in.pdf"}, 2, "is not an option");
+        row("no files", {"--rule", "number"}, 2, "no files");
+        row("bad template", {"--rule", "number", "--name", "{x}", "in.pdf"}, 2, "no field {x}");
+        row("bad expression", {"--rule", "number", "--match", "(", "in.pdf"}, 2, "--match");
+        row("missing list", {"--rule", "number", "--files-from", "none"}, 2, "none: ");
+        row("no folder", {"--rule", "number", "--output", "none", "in.pdf"}, 5, "existing folder");
+        row("missing input", {"--rule", "number", "none.pdf"}, 3, "none.pdf: No such file");
+        row("damaged", {"--rule", "number", "bad.pdf"}, 3, "bad.pdf: is not a PDF file");
+        row("password", {"--rule", "number", "secret.pdf"}, 6, "needs a password");
+        row("one of two", {"--rule", "number", "bad.pdf", "in.pdf"}, 4, "bad.pdf");
+        row("nothing there", {"--position", "1,1", "in.pdf"}, 0, "no text at the position");
+        row("locked folder", {"--rule", "number", "file.pdf"}, 5, "is a file where a folder");
+    }
+    void failures()
+    {
+        QFETCH(QStringList, arguments);
+        QFETCH(QByteArray, complaint);
+        writeFile(path("bad.pdf"), "nothing");
+        writeFile(output->filePath("file"), "in the way");
+        encryptSamplePdf(path("in.pdf"), path("secret.pdf"), {"password"});
+        if (!arguments.contains("--output"))
+            arguments = QStringList{"--output", output->path()} + arguments;
+        const ToolResult result = batch(arguments);
+        QTEST(result.exitCode, "exitCode");
+        QVERIFY2(result.errors.contains(complaint), result.errors);
+        QCOMPARE(result.errors.count('\n'), 1);
+        if (result.exitCode != 0 && result.exitCode != 4)
+            QCOMPARE(namesIn(output->path()), QStringList{"file"});
+    }
+
+    /// Lists, the report, and a second run that has nothing left to do.
+    void reportAndResume()
+    {
+        QFile::copy(path("in.pdf"), path("line\nfeed.pdf"));
+        writeFile(path("list"), (path("in.pdf") + '\0' + path("line\nfeed.pdf")).toUtf8());
+        writeFile(path("bad.pdf"), "nothing");
+        const QString report = output->filePath("report");
+        const QStringList arguments = splitArguments(
+            {"--report", report, "--resume", "--files-from", path("list"), path("bad.pdf")});
+        QCOMPARE(batch(arguments).exitCode, 4);
+        QMap<QString, QJsonObject> entries;
+        for (const QJsonObject &entry : reportLines(report))
+            entries.insert(QFileInfo(entry["input"].toString()).fileName(), entry);
+        QCOMPARE(entries.keys(), QStringList({"bad.pdf", "in.pdf", "line\nfeed.pdf"}));
+        const QJsonObject good = entries["in.pdf"];
+        QCOMPARE(good["verdict"].toString(), QString("done"));
+        QCOMPARE(good["pages"].toInt(), 6);
+        QCOMPARE(good["method"].toInt(), 1);
+        QCOMPARE(good["rule"].toString(), QString("number"));
+        QCOMPARE(good["size"].toInteger(), QFileInfo(path("in.pdf")).size());
+        const QJsonArray documents = good["documents"].toArray();
+        QCOMPARE(documents.size(), 3);
+        QCOMPARE(documents[1]["range"].toString(), QString("3-5"));
+        const QString second = documents[1]["file"].toString();
+        QCOMPARE(documents[1]["bytes"].toInteger(), QFileInfo(second).size());
+        QCOMPARE(entries["bad.pdf"]["verdict"].toString(), QString("failed"));
+
+        // What is not there any more is written again, what was cut off means nothing.
+        QFile::remove(second);
+        QFile(report).open(QIODevice::Append);
+        QFile cut(report);
+        QVERIFY(cut.open(QIODevice::Append));
+        cut.write("{\"input\":");
+        cut.close();
+        QCOMPARE(batch(arguments).exitCode, 4);
+        QVERIFY(QFile::exists(second));
+        QCOMPARE(reportLines(report).size(), 3 + 1 + 2);
+    }
+
+    /// SIGTERM ends the run, leaves no half file, and a further run completes it.
+    void stopped()
+    {
+        QList<SampleInvoice> many;
+        for (int k = 0; k < 150; ++k)
+            many.append({QString("N%1").arg(k), "C", 2});
+        QVERIFY(writeSamplePdf(path("many.pdf"), many));
+        QStringList arguments = splitArguments({"--jobs", "1", "--report", output->filePath("r")});
+        for (int k = 0; k < 6; ++k) {
+            QFile::copy(path("many.pdf"), path(QString("many%1.pdf").arg(k)));
+            arguments.append(path(QString("many%1.pdf").arg(k)));
+        }
+        QProcess process;
+        process.start(QCoreApplication::applicationDirPath() + "/sendrivo-batch", arguments);
+        QVERIFY(process.waitForReadyRead(60000)); // the first file is done
+        process.terminate();
+        QVERIFY(process.waitForFinished(60000));
+        QCOMPARE(process.exitStatus(), QProcess::CrashExit);
+        const qsizetype done = reportLines(output->filePath("r")).size();
+        QVERIFY(done >= 1 && done < 6);
+        QCOMPARE(namesIn(output->path()).size(), done * 150 + 1);
+        QCOMPARE(batch(arguments + QStringList{"--resume"}).exitCode, 0);
+        QCOMPARE(reportLines(output->filePath("r")).size(), 6);
+        QCOMPARE(namesIn(output->path()).size(), 6 * 150 + 1);
+    }
+};
+
+SENDRIVO_TEST_MAIN(TestBatch, QApplication)
+#include "tst_batch.moc"
