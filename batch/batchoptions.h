@@ -36,7 +36,6 @@ struct BatchOptions
     QString outputFolder;
     ExistingFiles existing = ExistingFiles::Overwrite;
     bool isDryRun = false;
-    bool usesOutputOptions = false;
 
     QStringList inputs;
     QString filesFrom;

@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Sendrivo authors
 // SPDX-License-Identifier: GPL-3.0-or-later
 
+#include "batch/commandline.h"
 #include "pdf/repairingreader.h"
 #include "rules/rulestore.h"
 #include "rules/settingsfile.h"
@@ -19,6 +20,8 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
+#include <QRegularExpression>
+#include <QSet>
 #include <QSettings>
 #include <QTemporaryDir>
 #include <QTest>
@@ -185,6 +188,29 @@ private slots:
             }
         }
         QVERIFY(compared > 100);
+    }
+
+    /// Help, manual page and completion name the same options.
+    void optionsEverywhere()
+    {
+        const auto optionsIn = [](QString text) {
+            static const QRegularExpression option("(?<![\\w-])--[a-z][a-z-]*[a-z]");
+            QSet<QString> found;
+            auto match = option.globalMatch(text.remove('\\'));
+            while (match.hasNext())
+                found.insert(match.next().captured());
+            return found;
+        };
+        QSet<QString> described;
+        for (const OptionDescription &option : optionDescriptions())
+            described.insert(option.name);
+        QVERIFY(described.size() > 15);
+        QCOMPARE(optionsIn(QString::fromUtf8(batch({"--help"}).output)), described);
+        const QString source = SENDRIVO_SOURCE;
+        QCOMPARE(optionsIn(QString::fromUtf8(readFile(source + "/docs/sendrivo-batch.1"))),
+                 described);
+        QCOMPARE(optionsIn(QString::fromUtf8(readFile(source + "/packaging/sendrivo-batch.bash"))),
+                 described);
     }
 
     void namesAndTexts_data()
