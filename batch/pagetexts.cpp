@@ -46,11 +46,11 @@ void workInProcesses(pdf::Document &document, SharedRecords &records, int pageCo
     throw pdf::Error(code, std::string(cause.substr(1)));
 }
 
-std::string pageRecord(const pdf::NearbyText &page, const TextQuery &query)
+std::string pageRecord(const std::vector<pdf::Fragment> &fragments, const TextQuery &query)
 {
-    if (page.fragments.empty() && !page.hasOther)
+    if (fragments.empty())
         return {pageIsEmpty};
-    const QString text = queriedText(page.fragments, query);
+    const QString text = queriedText(fragments, query);
     return text == noText() ? std::string{nothingThere} : textFound + text.toStdString();
 }
 
@@ -66,11 +66,9 @@ PageTexts readPageTexts(pdf::Document &document, const TextQuery &query, int wor
 {
     const int count = document.pages().count();
     SharedRecords records(count + 1);
-    const pdf::TextBand band = {static_cast<double>(query.top) - query.tolerancePx,
-                                static_cast<double>(query.top) + query.tolerancePx};
     workInProcesses(document, records, count, workers,
                     [&](pdf::RepairingReader &reader, int index) {
-                        records.put(index, pageRecord(reader.fragmentsIn(index, band), query));
+                        records.put(index, pageRecord(reader.fragments(index), query));
                         ++pagesDone;
                     });
     PageTexts result;

@@ -160,36 +160,6 @@ private slots:
         }
     }
 
-    /// Reading only the heights that are asked for gives the fragments of the whole page.
-    void bandsAreExact()
-    {
-        QByteArrayList pages = {showText(20, 150, "small on the line", 6) +
-                                    showText(70, 150, "large", 40) + showText(180, 151, "next"),
-                                showText(5, 10, "huge", 90) + showText(20, 180, "top", 5)};
-        writeFile(path("bands.pdf"), simplePdf(pages));
-        QVERIFY(writeSamplePdf(path("turned.pdf"), invoices, SampleLayout::Rotated270));
-        int compared = 0;
-        for (const char *name : {"in.pdf", "turned.pdf", "bands.pdf"}) {
-            pdf::Document document(path(name).toStdString());
-            pdf::ReadablePages readable(document);
-            pdf::RepairingReader reader(readable);
-            for (int page = 0; page < readable.count(); ++page) {
-                for (const pdf::Fragment &fragment : reader.fragments(page)) {
-                    const double top = fragment.top;
-                    const pdf::NearbyText near = reader.fragmentsIn(page, {top, top});
-                    const auto same = [&](const pdf::Fragment &other) {
-                        return other.left == fragment.left && other.top == fragment.top &&
-                               other.width == fragment.width && other.text == fragment.text;
-                    };
-                    QVERIFY2(std::any_of(near.fragments.begin(), near.fragments.end(), same),
-                             fragment.text.c_str());
-                    ++compared;
-                }
-            }
-        }
-        QVERIFY(compared > 100);
-    }
-
     /// Help, manual page and completion name the same options.
     void optionsEverywhere()
     {
