@@ -208,79 +208,86 @@ private:
     std::size_t pos = 0;
 };
 
-std::optional<RawEntries> entriesOf(Scanner &scanner)
+/// Calls visit(key, value) for each entry of the dictionary; false when it is not in plain syntax
+/// or as soon as visit gives false.
+template <typename Visitor>
+bool visitEntries(Scanner &scanner, Visitor visit)
 {
-    RawEntries result;
     scanner.skipBlanks();
     if (!scanner.accept("<<"))
-        return std::nullopt;
+        return false;
     for (scanner.skipBlanks(); !scanner.accept(">>"); scanner.skipBlanks()) {
         std::string_view key;
         if (!scanner.name(key))
-            return std::nullopt;
+            return false;
         scanner.skipBlanks();
         const std::size_t start = scanner.position();
-        if (!scanner.skipValue())
-            return std::nullopt;
-        result.emplace_back(key, scanner.textFrom(start));
+        if (!scanner.skipValue() || !visit(key, scanner.textFrom(start)))
+            return false;
     }
-    return result;
+    return true;
 }
 
-std::optional<PeekedNode> nodeFrom(const RawEntries &entries)
+/// The same for the dictionary that is the indirect object at offset.
+template <typename Visitor>
+bool visitIndirectEntries(std::string_view file, std::size_t offset, QPDFObjGen object,
+                          Visitor visit)
 {
-    PeekedNode result;
-    std::string_view type;
-    bool hasKids = false;
-    for (const auto &[key, value] : entries) {
-        Scanner scanner(value);
-        bool understood = true;
-        if (key == "Type") {
-            understood = type.empty() && scanner.name(type);
-        } else if (key == "Kids") {
-            understood = !hasKids && scanner.referenceArray(result.kids);
-            hasKids = true;
-        }
-        if (!understood)
-            return std::nullopt;
-    }
-    result.isPage = type == "Page";
-    const bool isNode = type == "Pages" && hasKids;
-    if (isNode || (result.isPage && !hasKids))
-        return result;
-    return std::nullopt;
+    if (offset >= file.size())
+        return false;
+    Scanner scanner(file.substr(offset));
+    int number = 0;
+    int generation = 0;
+    return scanner.number(number) && scanner.number(generation) && scanner.keyword("obj") &&
+           QPDFObjGen(number, generation) == object && visitEntries(scanner, visit) &&
+           scanner.keyword("endobj");
 }
 
 } // namespace
 
-std::optional<RawEntries> peekIndirectEntries(std::string_view file, std::size_t offset,
-                                              QPDFObjGen object)
-{
-    if (offset >= file.size())
-        return std::nullopt;
-    Scanner scanner(file.substr(offset));
-    int number = 0;
-    int generation = 0;
-    if (!scanner.number(number) || !scanner.number(generation) || !scanner.keyword("obj") ||
-        QPDFObjGen(number, generation) != object)
-        return std::nullopt;
-    std::optional<RawEntries> entries = entriesOf(scanner);
-    if (!entries || !scanner.keyword("endobj"))
-        return std::nullopt;
-    return entries;
-}
-
 std::optional<PeekedNode> peekIndirectObject(std::string_view file, std::size_t offset,
                                              QPDFObjGen object)
 {
-    const std::optional<RawEntries> entries = peekIndirectEntries(file, offset, object);
-    return entries ? nodeFrom(*entries) : std::nullopt;
+    PeekedNode result;
+    std::string_view type;
+    bool hasKids = false;
+    const auto visit = [&](std::string_view key, std::string_view value) {
+        if (key == "Type")
+            return type.empty() && Scanner(value).name(type);
+        if (key != "Kids")
+            return true;
+        const bool isFirst = !hasKids;
+        hasKids = true;
+        return isFirst && Scanner(value).referenceArray(result.kids);
+    };
+    if (!visitIndirectEntries(file, offset, object, visit))
+        return std::nullopt;
+    result.isPage = type == "Page";
+    const bool isNode = type == "Pages" && hasKids;
+    return isNode || (result.isPage && !hasKids) ? std::optional(std::move(result)) : std::nullopt;
+}
+
+std::optional<RawEntries> peekIndirectEntries(std::string_view file, std::size_t offset,
+                                              QPDFObjGen object)
+{
+    RawEntries entries;
+    const auto add = [&entries](std::string_view key, std::string_view value) {
+        entries.emplace_back(key, value);
+        return true;
+    };
+    return visitIndirectEntries(file, offset, object, add) ? std::optional(std::move(entries))
+                                                           : std::nullopt;
 }
 
 std::optional<RawEntries> rawEntries(std::string_view dictionary)
 {
+    RawEntries entries;
     Scanner scanner(dictionary);
-    return entriesOf(scanner);
+    const auto add = [&entries](std::string_view key, std::string_view value) {
+        entries.emplace_back(key, value);
+        return true;
+    };
+    return visitEntries(scanner, add) ? std::optional(std::move(entries)) : std::nullopt;
 }
 
 std::string_view rawValue(const RawEntries &entries, std::string_view key)
