@@ -34,13 +34,23 @@ void addColorSpaceName(std::set<std::string> &names, QPDFObjectHandle owner, con
 }
 
 /// Adds the colour spaces that are used without being named in the contents: those that replace the
-/// device's (ISO 32000-1, 8.6.5.6), and those that images, shadings and groups name.
+/// device's (ISO 32000-1, 8.6.5.6), those that images, shadings and groups name, and those of
+/// single inks: a renderer that simulates overprinting draws a page with the inks its resources
+/// list.
 void addImplied(std::set<std::string> &names, const std::string &category,
                 QPDFObjectHandle resources)
 {
     if (category != "/ColorSpace")
         return;
     const std::set<std::string> named = names;
+    for (const auto &[name, space] : resources.getKey(category).getDictAsMap()) {
+        QPDFObjectHandle array = space;
+        QPDFObjectHandle family = array.isArray() && array.getArrayNItems() > 0
+                                      ? array.getArrayItem(0)
+                                      : QPDFObjectHandle::newNull();
+        if (family.isNameAndEquals("/Separation") || family.isNameAndEquals("/DeviceN"))
+            names.insert(name);
+    }
     for (const char *user : {"/XObject", "/Shading", "/Pattern"}) {
         QPDFObjectHandle users = resources.getKey(user);
         if (!users.isDictionary())

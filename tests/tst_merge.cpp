@@ -169,11 +169,12 @@ QByteArray sharing(const QByteArray &contents, const QByteArray &contentsEntries
                     ref(shape) + " /Mask " + ref(maskShape) + " /Im#41 " + ref(image) + " /Other " +
                     ref(other) + " >> /Pattern << /Pat " + ref(pattern) +
                     " /Sh << /PatternType 2 /Shading << /ShadingType 2 /ColorSpace /Tint "
-                    "/Coords [0 0 1 1] /Function << /FunctionType 2 /Domain [0 1] /C0 [0 0] "
-                    "/C1 [1 1] /N 1 >> >> >> >> /ExtGState << /GS " +
+                    "/Coords [0 0 1 1] /Function << /FunctionType 2 /Domain [0 1] /C0 [0 0 0] "
+                    "/C1 [1 1 1] /N 1 >> >> >> >> /ExtGState << /GS " +
                     ref(state) +
-                    " >> /ColorSpace << /Tint [/DeviceN [/A /B] /DeviceRGB << /FunctionType 2 "
-                    "/Domain [0 1 0 1] /N 1 >>] /Own [/Indexed /DeviceRGB 1 <FF00FF00FFFF>] "
+                    " >> /ColorSpace << /Tint [/CalRGB << /WhitePoint [1 1 1] >>] "
+                    "/Ink [/Separation /A /DeviceGray << /FunctionType 2 /Domain [0 1] /N 1 >>] "
+                    "/Own [/Indexed /DeviceRGB 1 <FF00FF00FFFF>] "
                     "/DefaultGray [/CalGray << /WhitePoint [0.9 1 1] /Gamma 5 >>] >> >>");
     const int widget = file.add("<< /Type /Annot /Subtype /Stamp /F 4 /Rect [200 100 290 190] /AP "
                                 "<< /N " +
@@ -427,7 +428,7 @@ void TestMerge::sharedResourcesAreKeptInDoubt()
     const QByteArray written = pdfobjects::decoded(output);
     for (const char *entry :
          {"/F1 ", "/Look ", "/T3 ", "/Bare ", "/Inner ", "/Fill ", "/Glyph ", "/Mask ", "/ImA ",
-          "/Pat ", "/Sh ", "/GS ", "/Own [", "/Tint [", "/DefaultGray "})
+          "/Pat ", "/Sh ", "/GS ", "/Own [", "/Tint [", "/Ink [", "/DefaultGray "})
         QVERIFY2(written.count(entry) > written.count(entry + QByteArray("Do")), entry);
 }
 
