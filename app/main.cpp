@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "app/messagehandler.h"
+#include "app/plugins.h"
 #include "app/privatetemporaryfolder.h"
 #include "app/quitonsignal.h"
 #include "mainwindow/process.h"
@@ -12,16 +13,6 @@
 #include <QFile>
 
 namespace {
-
-/// Images in .ico and .jpg format need plug-ins, which an installed Sendrivo brings along beside
-/// its application folder.
-void usePlugins()
-{
-    QDir folder(QCoreApplication::applicationDirPath());
-    folder.cdUp();
-    folder.cd(QStringLiteral("Plugins"));
-    QCoreApplication::setLibraryPaths({folder.absolutePath()});
-}
 
 void startLog()
 {

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "batch/textquery.h"
+#include "pdf/documentoptions.h"
 
 #include <QString>
 #include <QStringList>
@@ -36,6 +37,7 @@ struct BatchOptions
     QString outputFolder;
     ExistingFiles existing = ExistingFiles::Overwrite;
     bool isDryRun = false;
+    bool usesOutputOptions = false;
 
     QStringList inputs;
     QString filesFrom;
@@ -59,4 +61,5 @@ struct SplitPlan
     QString outputFolder; ///< as given
     ExistingFiles existing = ExistingFiles::Overwrite;
     bool isDryRun = false;
+    std::optional<pdf::DocumentOptions> documentOptions;
 };

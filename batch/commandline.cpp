@@ -121,6 +121,8 @@ QList<Handler> outputHandlers()
         general("--existing", {"fail|overwrite|rename"},
                 "what to do about files that are there already (overwrite)",
                 [](O &o, V v) { o.existing = existingFiles(v[0]); }),
+        flag("--output-options", "apply document information and passwords of the settings",
+             &O::usesOutputOptions),
         flag("--dry-run", "print what would be written and write nothing", &O::isDryRun),
     };
 }

@@ -40,7 +40,8 @@ std::vector<int> indexesOf(const QString &ranges)
 }
 
 /// Writes one document aside and makes sure that it has its pages.
-void writeDocument(pdf::Document &document, const DocumentResult &planned, const std::string &path)
+void writeDocument(const SplitPlan &plan, pdf::Document &document, const DocumentResult &planned,
+                   const std::string &path)
 {
     const std::vector<int> indexes = indexesOf(planned.range);
     pdf::OutputFile output(path);
@@ -49,11 +50,17 @@ void writeDocument(pdf::Document &document, const DocumentResult &planned, const
     const pdf::Document written(path);
     if (written.pages().pages.size() != indexes.size())
         throw Error(ExitCode::InputUnreadable, "pages are missing in the document");
+    if (plan.documentOptions) {
+        pdf::OutputFile finished(path);
+        pdf::applyOptions(path, *plan.documentOptions, finished);
+        finished.publish();
+    }
 }
 
 /// Writes all documents aside, in processes of their own.
-void writeDocuments(pdf::Document &document, const QList<DocumentResult> &documents,
-                    const StagingFolder &staging, int workers)
+void writeDocuments(const SplitPlan &plan, pdf::Document &document,
+                    const QList<DocumentResult> &documents, const StagingFolder &staging,
+                    int workers)
 {
     const int count = static_cast<int>(documents.size());
     SharedRecords causes(count + 1);
@@ -63,7 +70,7 @@ void writeDocuments(pdf::Document &document, const QList<DocumentResult> &docume
     work.secondsPerPage = pdf::documentTimeLimitSeconds;
     work.startWorker = [&]() -> std::function<void(int)> {
         return [&](int index) {
-            writeDocument(document, documents[index],
+            writeDocument(plan, document, documents[index],
                           QFile::encodeName(staging.pathOf(index)).toStdString());
         };
     };
@@ -100,7 +107,7 @@ void publish(const SplitPlan &plan, pdf::Document &document, int workers, FileRe
 {
     const QString folder = QFileInfo(result.documents.first().file).path();
     StagingFolder staging(folder);
-    writeDocuments(document, result.documents, staging, workers);
+    writeDocuments(plan, document, result.documents, staging, workers);
     QStringList paths;
     for (int index = 0; index < result.documents.size(); ++index) {
         result.documents[index].bytes = QFileInfo(staging.pathOf(index)).size();

@@ -28,6 +28,7 @@ QJsonObject request(const SplitPlan &plan)
             {"match", plan.query.match.pattern()},
             {"method", plan.methodIndex + 1},
             {"name", plan.nameTemplate},
+            {"outputOptions", plan.documentOptions.has_value()},
             {"output", plan.outputFolder}};
 }
 

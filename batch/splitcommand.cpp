@@ -8,6 +8,7 @@
 #include "batch/output.h"
 #include "batch/progressline.h"
 #include "batch/report.h"
+#include "options/outputoptions.h"
 #include "pdf/error.h"
 #include "rules/rulestore.h"
 
@@ -51,6 +52,26 @@ TextQuery makeQuery(const BatchOptions &options)
     return query;
 }
 
+pdf::DocumentOptions makeDocumentOptions(const QString &settingsFile)
+{
+    const QSettings settings(settingsFile, QSettings::IniFormat);
+    const OutputOptions stored = readOutputOptions(settings);
+    pdf::DocumentOptions options;
+    for (auto field = stored.information.begin(); field != stored.information.end(); ++field)
+        options.information.emplace(field.key().toStdString(), field.value().toStdString());
+    options.userPassword = stored.userPassword.toStdString();
+    options.ownerPassword = stored.ownerPassword.toStdString();
+    options.mayPrint = stored.mayPrint;
+    options.mayModify = stored.mayModify;
+    options.mayCopy = stored.mayCopy;
+    options.mayAnnotate = stored.mayAnnotate;
+    if (stored.isPdfA && options.isEncrypting())
+        refuse(settingsFile + QLatin1String(": a password and PDF/A exclude each other"));
+    for (const QString &remark : stored.remarks)
+        complain(settingsFile + QLatin1String(": ") + remark);
+    return options;
+}
+
 SplitPlan makePlan(const BatchOptions &options)
 {
     SplitPlan plan;
@@ -63,6 +84,8 @@ SplitPlan makePlan(const BatchOptions &options)
     plan.outputFolder = QFileInfo(options.outputFolder).absoluteFilePath();
     plan.existing = options.existing;
     plan.isDryRun = options.isDryRun;
+    if (options.usesOutputOptions)
+        plan.documentOptions = makeDocumentOptions(options.settingsFile);
     return plan;
 }
 

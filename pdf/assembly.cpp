@@ -11,34 +11,17 @@
 #include "pdf/layers.h"
 #include "pdf/objectcopier.h"
 #include "pdf/outline.h"
+#include "pdf/outputpipeline.h"
 #include "pdf/pagecopier.h"
 #include "pdf/pagelabels.h"
 #include "pdf/resources.h"
 #include "pdf/structuretree.h"
 
-#include <qpdf/Pipeline.hh>
 #include <qpdf/QPDFWriter.hh>
 
 namespace pdf {
 
 namespace {
-
-/// Hands what the writer produces to an OutputFile.
-class OutputPipeline : public Pipeline
-{
-public:
-    explicit OutputPipeline(OutputFile &outputFile) : Pipeline("output", nullptr), file(outputFile)
-    {
-    }
-    void write(const unsigned char *data, std::size_t length) override
-    {
-        file.write({reinterpret_cast<const char *>(data), length});
-    }
-    void finish() override {}
-
-private:
-    OutputFile &file;
-};
 
 /// Builds the new document in memory; the input's streams are read when it is written.
 class Assembly

@@ -26,7 +26,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-#include <csignal>
+#include <qpdf/QPDF.hh>
+#include <tuple>
 
 namespace {
 
@@ -293,6 +294,57 @@ private slots:
         QCOMPARE(result.errors.count('\n'), 1);
         if (result.exitCode != 0 && result.exitCode != 4)
             QCOMPARE(namesIn(output->path()), QStringList{"file"});
+    }
+
+    /// Document information, also in XMP, and passwords from the settings.
+    void outputOptions()
+    {
+        const QByteArray xmp = "<rdf:RDF><rdf:Description pdf:Producer=\"Old\"><dc:title>"
+                               "<rdf:Alt><rdf:li>Old</rdf:li></rdf:Alt></dc:title><dc:titled/>"
+                               "</rdf:Description></rdf:RDF>";
+        PdfBuilder builder;
+        const int tree = builder.reserve();
+        const int page = builder.add("<< /Type /Page /MediaBox [0 0 9 9] /Parent " +
+                                     PdfBuilder::ref(tree) + " >>");
+        builder.define(tree, "<< /Type /Pages /Count 1 /Kids " + PdfBuilder::refs({page}) + " >>");
+        const int metadata = builder.addStream(xmp, "/Type /Metadata /Subtype /XML");
+        const int catalog = builder.add("<< /Type /Catalog /Pages " + PdfBuilder::ref(tree) +
+                                        " /Metadata " + PdfBuilder::ref(metadata) + " >>");
+        writeFile(path("xmp.pdf"), builder.bytes(catalog));
+        const QString settings = output->filePath("options.ini");
+        const QStringList arguments = {
+            "--position",       "1,1",      "--output", output->path(), "--settings", settings,
+            "--output-options", "--method", "3",        path("xmp.pdf")};
+        const QString written = output->filePath("xmp/1   xmp.pdf");
+        const auto open = [&](const char *password) {
+            QPDF pdf;
+            pdf.setSuppressWarnings(true);
+            pdf.processFile(written.toUtf8().constData(), password);
+            const auto data = pdf.getRoot().getKey("/Metadata").getStreamData();
+            return std::make_tuple(pdf.getTrailer().getKey("/Info").getKey("/Title").getUTF8Value(),
+                                   QByteArray(reinterpret_cast<const char *>(data->getBuffer()),
+                                              static_cast<qsizetype>(data->getSize())),
+                                   pdf.allowPrintHighRes(), pdf.allowExtractAll());
+        };
+        writeFile(settings, "[Annot]\nTit=A & B\nPro=P\n[Image]\nColorRes=72\n");
+        const ToolResult plain = batch(arguments);
+        QCOMPARE(plain.exitCode, 0);
+        QCOMPARE(plain.errors.count("options are not applied"), 1);
+        const auto [title, metadataText, mayPrint, mayCopy] = open("");
+        QCOMPARE(title, std::string("A & B"));
+        QVERIFY2(metadataText.contains(">A &amp; B<") && !metadataText.contains("Old") &&
+                     metadataText.contains("<dc:titled/>"),
+                 metadataText);
+        QVERIFY(mayPrint && mayCopy);
+
+        writeFile(settings, "[Secur]\nUsrPwd=secret\nAllowPri=No\n");
+        QCOMPARE(batch(arguments).exitCode, 0);
+        QVERIFY_THROWS_EXCEPTION(QPDFExc, open(""));
+        QVERIFY(!std::get<2>(open("secret")));
+        QVERIFY(std::get<3>(open("secret")));
+
+        writeFile(settings, "[Secur]\nOwrPwd=secret\n[Annot]\nPDFA=Ok\n");
+        QCOMPARE(batch(arguments).exitCode, 2);
     }
 
     /// Lists, the report, and a second run that has nothing left to do.
