@@ -1,0 +1,40 @@
+#!/bin/sh
+# SPDX-FileCopyrightText: 2026 The Sendrivo authors
+# SPDX-License-Identifier: GPL-3.0-or-later
+#
+# The GNU parallel recipe of docs/scale.md with calls that are killed in the middle: afterwards there
+# is every document once, whole, and nothing else.
+# usage: cluster_parallel.sh SENDRIVO_BATCH SAMPLE_FOLDER
+set -eu
+batch=$1
+sample=$2
+command -v parallel >/dev/null || { echo "GNU parallel is missing"; exit 77; }
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+mkdir "$work/in" "$work/out" "$work/reports" "$work/expected"
+for i in $(seq 60); do cp "$sample/invoices.pdf" "$work/in/file$i.pdf"; done
+find "$work/in" -name '*.pdf' | sort > "$work/list"
+
+run() {
+    parallel --will-cite --jobs 2 -N 10 --pipe --retries 3 \
+        "$batch --settings '$sample/setting.ini' --rule 'Invoice number' --output '$work/out' \
+             --report '$work/reports/{#}.jsonl' --resume --quiet --jobs 1 -" < "$work/list"
+}
+# Kill the calls without warning while they work.
+run & running=$!
+killed=0
+for _ in 1 2 3; do
+    sleep 0.2
+    for call in $(pgrep -x -f ".*$work/out.*" || true); do
+        case $(readlink "/proc/$call/exe") in
+        "$batch") kill -KILL "$call" 2>/dev/null && killed=$((killed + 1)) ;;
+        esac
+    done
+done
+wait "$running" || true
+run
+"$batch" --settings "$sample/setting.ini" --rule 'Invoice number' --output "$work/expected" \
+    --files-from "$work/list" --quiet
+diff -r "$work/expected" "$work/out"
+jq -s 'group_by(.input) | map(last) | length' "$work"/reports/*.jsonl | grep -qx 60
+echo "killed processes: $killed; all documents are there once"
