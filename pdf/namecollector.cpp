@@ -18,7 +18,9 @@ constexpr std::size_t maximalName = 1024;
 
 bool endsName(char c)
 {
-    return std::memchr("\0\t\n\f\r ()<>[]{}/%", c, 16) != nullptr;
+    static constexpr char ends[] = {'\0', '\t', '\n', '\f', '\r', ' ', '(', ')',
+                                    '<',  '>',  '[',  ']',  '{',  '}', '/', '%'};
+    return std::memchr(ends, c, sizeof ends) != nullptr;
 }
 
 int hexDigit(char c)

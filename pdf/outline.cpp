@@ -7,7 +7,7 @@ namespace pdf {
 
 namespace {
 
-QPDFObjGen numberOf(QPDFObjectHandle object)
+QPDFObjGen numberOf(const QPDFObjectHandle &object)
 {
     return object.isIndirect() ? object.getObjGen() : QPDFObjGen();
 }

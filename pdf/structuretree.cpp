@@ -210,7 +210,7 @@ QPDFObjectHandle StructureCopier::copyContentReference(QPDFObjectHandle kid,
     return copied;
 }
 
-QPDFObjectHandle StructureCopier::keptPage(QPDFObjectHandle page)
+QPDFObjectHandle StructureCopier::keptPage(const QPDFObjectHandle &page)
 {
     return page.isIndirect() ? copier.mapped(page.getObjGen()) : nothing();
 }

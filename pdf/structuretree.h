@@ -43,7 +43,7 @@ private:
     QPDFObjectHandle copyKid(QPDFObjectHandle kid, const QPDFObjectHandle &page);
     QPDFObjectHandle copyContentReference(QPDFObjectHandle kid, const QPDFObjectHandle &page);
     bool isForeignElement(const QPDFObjectHandle &kid);
-    QPDFObjectHandle keptPage(QPDFObjectHandle page);
+    QPDFObjectHandle keptPage(const QPDFObjectHandle &page);
     void removeReplacementTexts();
 
     Document &document;
