@@ -12,6 +12,7 @@
 #include "pdf/pageranges.h"
 #include "tools/toolmain.h"
 
+#include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
 #include <unistd.h>
@@ -117,7 +118,9 @@ pdf::ExitCode merge(const Request &request)
     pdf::OutputFile output(request.output);
     pdf::assemblePages(document, pdf::pageIndexes(ranges), output);
     output.publish();
-    return pdf::ExitCode::Done;
+    // The output is in place and nothing is buffered: giving back every object of a large input one
+    // by one would only keep the caller waiting.
+    std::_Exit(static_cast<int>(pdf::ExitCode::Done));
 }
 
 pdf::ExitCode run(const std::vector<std::string> &arguments)
