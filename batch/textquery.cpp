@@ -15,7 +15,7 @@ namespace {
 /// The fragment's text as far as the expression lets it count; empty when it does not.
 QString countingText(const pdf::Fragment &fragment, const QRegularExpression &match)
 {
-    const QString text = QString::fromStdString(pdf::markupText(fragment.text));
+    QString text = QString::fromStdString(pdf::markupText(fragment.text));
     if (match.pattern().isEmpty())
         return text;
     const QRegularExpressionMatch found = match.match(text);
@@ -39,7 +39,7 @@ QString queriedText(const std::vector<pdf::Fragment> &fragments, const TextQuery
     std::stable_sort(near.begin(), near.end(),
                      [](const auto &a, const auto &b) { return a.first < b.first; });
     for (const auto &[distance, fragment] : near) {
-        const QString text = countingText(*fragment, query.match);
+        QString text = countingText(*fragment, query.match);
         if (!text.isEmpty())
             return text;
     }
