@@ -4,6 +4,7 @@
 #include "pdf/layoutfile.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cstddef>
 #include <iterator>
 #include <string_view>
@@ -44,38 +45,57 @@ bool startsEntity(std::string_view rest)
     });
 }
 
-} // namespace
-
-std::string markupText(const std::string &text)
+void appendMarkup(std::string &result, std::string_view text)
 {
-    if (text.find_first_of("<>&") == std::string::npos)
-        return text;
-    std::string result;
-    result.reserve(text.size());
-    for (std::size_t i = 0; i < text.size(); ++i) {
+    for (std::size_t i = text.find_first_of("<>&"); i != std::string_view::npos;
+         i = text.find_first_of("<>&")) {
+        result += text.substr(0, i);
         if (text[i] == '<')
             result += "&lt;";
         else if (text[i] == '>')
             result += "&gt;";
-        else if (text[i] == '&' && startsEntity(std::string_view(text).substr(i + 1)))
+        else if (startsEntity(text.substr(i + 1)))
             result += "&amp;";
         else
-            result += text[i];
+            result += '&';
+        text.remove_prefix(i + 1);
     }
+    result += text;
+}
+
+void appendNumber(std::string &result, std::string_view label, int number)
+{
+    char digits[16];
+    const auto end = std::to_chars(std::begin(digits), std::end(digits), number).ptr;
+    result += label;
+    result.append(digits, end);
+}
+
+} // namespace
+
+std::string markupText(const std::string &text)
+{
+    std::string result;
+    appendMarkup(result, text);
     return result;
 }
 
 std::string layoutFileText(const std::vector<Fragment> &fragments)
 {
     std::string result;
-    if (!fragments.empty())
-        result = "<meta charset=\"utf-8\">";
+    if (fragments.empty())
+        return result;
+    constexpr std::size_t usualLine = 100;
+    result.reserve(fragments.size() * usualLine);
+    result = "<meta charset=\"utf-8\">";
     for (const Fragment &fragment : fragments) {
-        result += "<span style=\"left:" + std::to_string(fragment.left);
-        result += ";top:" + std::to_string(fragment.top);
-        result += ";width:" + std::to_string(fragment.width);
-        result += ";height:" + std::to_string(fragment.height);
-        result += "\">" + markupText(fragment.text) + "</span>\n";
+        appendNumber(result, "<span style=\"left:", fragment.left);
+        appendNumber(result, ";top:", fragment.top);
+        appendNumber(result, ";width:", fragment.width);
+        appendNumber(result, ";height:", fragment.height);
+        result += "\">";
+        appendMarkup(result, fragment.text);
+        result += "</span>\n";
     }
     return result;
 }
