@@ -79,7 +79,9 @@ double GlyphRun::letterSpacing() const
 
 double GlyphRun::widestGap() const
 {
-    return line.em + 2 * letterSpacing();
+    // LaTeX sets a heading's number an em apart from its words; rounding must not decide.
+    constexpr double widestGapEm = 1.02;
+    return widestGapEm * line.em + 2 * letterSpacing();
 }
 
 double GlyphRun::blankGap() const
