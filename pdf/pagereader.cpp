@@ -64,6 +64,7 @@ public:
     pdf_document *document;
     pdf_page *page = nullptr;
     fz_rect bounds = {};
+    fz_matrix toPage = {}; ///< from the coordinates of the contents to the displayed page's
 };
 
 /// Takes the links off a page in memory. They show nothing, and loading a page resolves each one's
@@ -123,6 +124,8 @@ void load(LoadedPage *loaded, const PageEntry *entry)
     makeOnlyPage(loaded->context, loaded->document, entry->page.getObj(), entry->parent.getObj());
     loaded->page = pdf_load_page(loaded->context, loaded->document, 0);
     loaded->bounds = pdf_bound_page(loaded->context, loaded->page);
+    fz_rect mediaBox = {};
+    pdf_page_transform(loaded->context, loaded->page, &mediaBox, &loaded->toPage);
 }
 
 void run(LoadedPage *loaded, fz_device *device)
@@ -203,7 +206,11 @@ int flatPageNumber(fz_context *context, pdf_document *document, int index)
 
 struct PageReader::Engine
 {
-    explicit Engine(const ReadablePages &readablePages) : pages(readablePages) {}
+    explicit Engine(const ReadablePages &readablePages)
+        : pages(readablePages), context(fz_new_context(nullptr, nullptr, storeBytes)),
+          fonts(context.get())
+    {
+    }
     ~Engine()
     {
         if (document != nullptr)
@@ -230,13 +237,13 @@ struct PageReader::Engine
 
     const ReadablePages &pages;
     std::unique_ptr<fz_context, ContextDeleter> context;
+    FontStore fonts;
     pdf_document *document = nullptr;
     std::vector<int> copiedPages; ///< page objects of a copy, which has numbers of its own
 };
 
 PageReader::PageReader(const ReadablePages &pages) : engine(std::make_unique<Engine>(pages))
 {
-    engine->context.reset(fz_new_context(nullptr, nullptr, storeBytes));
     fz_context *context = engine->context.get();
     if (context == nullptr)
         throw Error(ExitCode::InputUnreadable, "not enough memory");
@@ -270,17 +277,18 @@ std::vector<Fragment> PageReader::fragments(int index)
         fail(context);
     }
     const double scale = static_cast<double>(layoutScale);
+    const Matrix toPixels = Matrix::of(loaded.toPage).followedBy({scale, 0, 0, scale, 0, 0});
     GlyphCollector collector(static_cast<double>(loaded.bounds.x1 - loaded.bounds.x0) * scale,
                              static_cast<double>(loaded.bounds.y1 - loaded.bounds.y0) * scale);
+    engine->fonts.forgetUnused();
+    TextInterpreter interpreter(context, &engine->fonts, &collector, toPixels);
     fz_try(context)
     {
-        collectPageText(context, loaded.page, fz_scale(layoutScale, layoutScale), &collector);
+        interpretPage(context, loaded.page, &interpreter);
     }
     fz_catch(context)
     {
-        // Contents too damaged to go on with still show what came before.
-        if (fz_caught(context) == FZ_ERROR_MEMORY)
-            fail(context);
+        fail(context);
     }
     std::vector<GlyphRun> runs = collector.takeRuns();
     return makeFragments(std::move(runs), collector.takeMarks());

@@ -3,19 +3,17 @@
 
 #pragma once
 
-#include "pdf/glyphcollector.h"
+#include "pdf/textinterpreter.h"
 
 #include <mupdf/fitz.h>
 #include <mupdf/pdf.h>
 
 namespace pdf {
 
-/// Hands the glyphs of a page's contents, annotations and form fields to the collector, and the
-/// text that marked content states for them (ISO 32000-1, 14.9.4). Images and shadings are not even
-/// loaded, because they hold no text.
+/// Lets the interpreter follow a page's contents and the appearances of its annotations and form
+/// fields. Damaged contents give the text before the damage.
 ///
 /// Throws MuPDF exceptions only: call it inside fz_try.
-void collectPageText(fz_context *context, pdf_page *page, fz_matrix transform,
-                     GlyphCollector *collector);
+void interpretPage(fz_context *context, pdf_page *page, TextInterpreter *interpreter);
 
 } // namespace pdf
