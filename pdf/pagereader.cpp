@@ -23,6 +23,9 @@ namespace {
 
 /// Fonts and images kept for the next page.
 constexpr std::size_t storeBytes = std::size_t{32} << 20;
+/// Pages after which the objects read for them are forgotten. Without that a worker's memory would
+/// grow by some kilobytes a page up to its limit.
+constexpr int pagesRemembered = 500;
 /// Largest page image, 200 MB in memory: a side of 2 m at 96 dpi.
 constexpr double largestImagePixels = 64e6;
 constexpr float layoutScale = static_cast<float>(layoutDpi / 72);
@@ -226,6 +229,14 @@ struct PageReader::Engine
         int index = 0;
         for (int &number : copiedPages)
             number = flatPageNumber(context.get(), document, index++);
+        pdf_mark_xref(context.get(), document);
+    }
+
+    /// Throws MuPDF exceptions only.
+    void forgetPages()
+    {
+        if (++pagesRead % pagesRemembered == 0)
+            pdf_clear_xref_to_mark(context.get(), document);
     }
 
     [[nodiscard]] PageEntry entry(int index) const
@@ -239,6 +250,7 @@ struct PageReader::Engine
     std::unique_ptr<fz_context, ContextDeleter> context;
     FontStore fonts;
     pdf_document *document = nullptr;
+    int pagesRead = 0;
     std::vector<int> copiedPages; ///< page objects of a copy, which has numbers of its own
 };
 
@@ -270,6 +282,7 @@ std::vector<Fragment> PageReader::fragments(int index)
     LoadedPage loaded(context, engine->document);
     fz_try(context)
     {
+        engine->forgetPages();
         load(&loaded, &entry);
     }
     fz_catch(context)
