@@ -4,13 +4,13 @@
 #include "pdf/fragments.h"
 
 #include "pdf/characters.h"
+#include "pdf/lines.h"
+#include "pdf/nearlines.h"
 #include "pdf/readingorder.h"
 
 #include <algorithm>
 #include <cmath>
-#include <iterator>
 #include <string>
-#include <tuple>
 #include <utility>
 
 namespace pdf {
@@ -18,102 +18,6 @@ namespace pdf {
 namespace {
 
 constexpr double ascentEm = 0.8;
-/// Runs this far apart, in font sizes, still stand on one line: the words of a recognised scan do
-/// not agree better, and the closest raised letters are twice as far up.
-constexpr double sameLineSizes = 0.15;
-
-/// A number that lines of one direction and way of writing share.
-int directionKey(const Baseline &line)
-{
-    constexpr int quarterTurn = 44;
-    // In steps of about two degrees, so that noise does not part a line.
-    int angle = 0;
-    if (line.directionY != 0 || line.directionX < 0)
-        angle = static_cast<int>(std::lround(std::atan2(line.directionY, line.directionX) * 28));
-    if (angle == -2 * quarterTurn)
-        angle = 2 * quarterTurn;
-    return ((angle + 2 * quarterTurn) * 2 + (line.isVertical ? 1 : 0)) * 2 +
-           (line.isMirrored ? 1 : 0);
-}
-
-/// What runs are sorted by, apart from the runs, which are dear to move.
-struct SortedRun
-{
-    int direction;
-    double position; ///< across the line, later along it
-    GlyphRun *run;
-};
-
-bool isBefore(const SortedRun &a, const SortedRun &b)
-{
-    return std::tie(a.direction, a.position, a.run->order) <
-           std::tie(b.direction, b.position, b.run->order);
-}
-
-bool isOnSameLine(const SortedRun &a, const SortedRun &b)
-{
-    const double smaller = std::min(a.run->line.size, b.run->line.size);
-    return a.direction == b.direction &&
-           std::abs(a.run->line.across - b.run->line.across) <= sameLineSizes * smaller;
-}
-
-/// Removes from later the glyphs that earlier shows in the same place.
-void removeRepeated(const GlyphRun &earlier, GlyphRun &later)
-{
-    const double em = later.line.em;
-    const auto isRepeated = [&](const PlacedGlyph &glyph) {
-        auto other = std::lower_bound(
-            earlier.glyphs.begin(), earlier.glyphs.end(), glyph.start - em,
-            [](const PlacedGlyph &before, double start) { return before.start < start; });
-        for (; other != earlier.glyphs.end() && other->start <= glyph.start + em; ++other) {
-            if (isSameGlyph(*other, glyph, em))
-                return true;
-        }
-        return false;
-    };
-    auto &glyphs = later.glyphs;
-    glyphs.erase(std::remove_if(glyphs.begin(), glyphs.end(), isRepeated), glyphs.end());
-}
-
-/// Joins the runs of one line, sorted by their starts, into the runs of its fragments.
-class LineJoiner
-{
-public:
-    void add(GlyphRun &&run)
-    {
-        // What a run repeats starts near it; looking at all of a line's runs would take its square.
-        int remaining = 16;
-        for (auto earlier = joined.rbegin(); earlier != joined.rend() && remaining-- > 0;
-             ++earlier) {
-            if (earlier->end() <= run.start())
-                continue;
-            removeRepeated(*earlier, run);
-            if (run.glyphs.empty())
-                return;
-        }
-        if (!joined.empty() && continues(joined.back(), run)) {
-            GlyphRun &last = joined.back();
-            for (const PlacedGlyph &glyph : run.glyphs)
-                last.append(glyph);
-        } else {
-            joined.push_back(std::move(run));
-        }
-    }
-
-    std::vector<GlyphRun> joined;
-
-private:
-    static bool continues(const GlyphRun &run, const GlyphRun &next)
-    {
-        constexpr double largestSizeRatio = 2;
-        const double larger = std::max(run.line.size, next.line.size);
-        const double smaller = std::min(run.line.size, next.line.size);
-        const bool isNear = next.start() - run.end() <= std::max(run.widestGap(), next.widestGap());
-        return larger <= largestSizeRatio * smaller && isNear &&
-               (run.isFollowedFrom(next.start()) || next.start() > run.end());
-    }
-};
-
 /// Adds each mark to the nearest line that has a letter for it, no line height away; one without a
 /// letter stands alone.
 void addMarks(std::vector<GlyphRun> &lines, const std::vector<GlyphRun> &marks)
@@ -136,14 +40,6 @@ void addMarks(std::vector<GlyphRun> &lines, const std::vector<GlyphRun> &marks)
     }
 }
 
-bool hasBlankBefore(const GlyphRun &run, std::size_t index, double blankGap)
-{
-    const PlacedGlyph &glyph = run.glyphs[index];
-    return index > 0 &&
-           (glyph.hasBlankBefore ||
-            (!glyph.isContinuation && glyph.start - run.glyphs[index - 1].end > blankGap));
-}
-
 /// The text of a line with letters of a right-to-left script.
 std::string textInReadingOrder(const GlyphRun &run)
 {
@@ -151,7 +47,7 @@ std::string textInReadingOrder(const GlyphRun &run)
     std::vector<std::u32string> units;
     for (std::size_t i = 0; i < run.glyphs.size(); ++i) {
         const PlacedGlyph &glyph = run.glyphs[i];
-        const bool isSpaced = hasBlankBefore(run, i, blank);
+        const bool isSpaced = run.isBlankBefore(i, blank);
         if (glyph.isContinuation && !units.empty()) {
             if (isSpaced)
                 units.back() += U' ';
@@ -176,7 +72,7 @@ std::string textOf(const GlyphRun &run)
     std::vector<char32_t> characters;
     characters.reserve(run.glyphs.size() * 2);
     for (std::size_t i = 0; i < run.glyphs.size(); ++i) {
-        if (hasBlankBefore(run, i, blank))
+        if (run.isBlankBefore(i, blank))
             characters.push_back(' ');
         characters.push_back(run.glyphs[i].character);
     }
@@ -236,27 +132,9 @@ int layoutCoordinate(double pixels)
 
 std::vector<Fragment> makeFragments(std::vector<GlyphRun> runs, const std::vector<GlyphRun> &marks)
 {
-    std::vector<SortedRun> sorted;
-    sorted.reserve(runs.size());
-    for (GlyphRun &run : runs)
-        sorted.push_back({directionKey(run.line), run.line.across, &run});
-    std::sort(sorted.begin(), sorted.end(), isBefore);
-    std::vector<GlyphRun> lines;
-    lines.reserve(runs.size());
-    for (auto begin = sorted.begin(); begin != sorted.end();) {
-        const SortedRun first = *begin;
-        auto end = std::find_if_not(begin, sorted.end(), [&](const SortedRun &entry) {
-            return isOnSameLine(first, entry);
-        });
-        for (auto entry = begin; entry != end; ++entry)
-            entry->position = entry->run->start();
-        std::sort(begin, end, isBefore);
-        LineJoiner line;
-        for (auto entry = begin; entry != end; ++entry)
-            line.add(std::move(*entry->run));
-        std::move(line.joined.begin(), line.joined.end(), std::back_inserter(lines));
-        begin = end;
-    }
+    Lines joined = joinLines(std::move(runs));
+    joinNearLines(joined);
+    std::vector<GlyphRun> &lines = joined.runs;
     addMarks(lines, marks);
     std::vector<Fragment> fragments;
     fragments.reserve(lines.size());

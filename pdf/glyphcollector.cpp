@@ -84,7 +84,7 @@ void GlyphCollector::show(const TextAxes &axes, const ShownGlyph &glyph)
     }
     skipsContinuations = true;
     if (isBlank(glyph.character)) {
-        hasBlank = true;
+        showBlank(glyph);
         return;
     }
     Baseline line = axes.line;
@@ -112,6 +112,23 @@ void GlyphCollector::show(const TextAxes &axes, const ShownGlyph &glyph)
     place(line, {start, end, glyph.character, false, false});
 }
 
+void GlyphCollector::showBlank(const ShownGlyph &glyph)
+{
+    hasBlank = true;
+    blankX = glyph.x;
+    blankY = glyph.y;
+}
+
+bool GlyphCollector::isBehindBlank(const Baseline &line, double start) const
+{
+    constexpr double noiseEm = 0.1;
+    constexpr double raisedSizes = 0.35;
+    const double across = blankY * line.directionX - blankX * line.directionY;
+    const double way = start - (blankX * line.directionX + blankY * line.directionY);
+    return way >= -noiseEm * line.em && way <= line.em &&
+           std::abs(across - line.across) <= raisedSizes * line.size;
+}
+
 void GlyphCollector::place(const Baseline &line, const PlacedGlyph &glyph)
 {
     if (isRepetition(line, glyph))
@@ -124,7 +141,7 @@ void GlyphCollector::place(const Baseline &line, const PlacedGlyph &glyph)
         runs.push_back(std::move(run));
     }
     PlacedGlyph placed = glyph;
-    placed.hasBlankBefore = isContinued && hasBlank;
+    placed.hasBlankBefore = hasBlank && (isContinued || isBehindBlank(line, glyph.start));
     runs.back().append(placed);
     hasBlank = false;
     skipsContinuations = false;
@@ -154,9 +171,11 @@ void GlyphCollector::endReplacement()
     GlyphCollector shown(width, height);
     for (const auto &[axes, glyph] : replaced)
         shown.show(axes, glyph);
-    const auto isBlankGlyph = [](const auto &entry) { return isBlank(entry.second.character); };
     if (shown.runs.empty()) {
-        hasBlank = hasBlank || std::any_of(replaced.begin(), replaced.end(), isBlankGlyph);
+        for (const auto &[axes, glyph] : replaced) {
+            if (isBlank(glyph.character))
+                showBlank(glyph);
+        }
         return;
     }
     // Marks may come first, on lines of their own.

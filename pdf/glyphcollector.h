@@ -59,9 +59,12 @@ public:
 
 private:
     void show(const TextAxes &axes, const ShownGlyph &glyph);
+    void showBlank(const ShownGlyph &glyph);
     void place(const Baseline &line, const PlacedGlyph &glyph);
     void replace(const GlyphRun &shown);
     [[nodiscard]] bool isOutside(const TextAxes &axes, const ShownGlyph &glyph) const;
+    /// Whether the last blank was shown right before the place, if at another height or size.
+    [[nodiscard]] bool isBehindBlank(const Baseline &line, double start) const;
     [[nodiscard]] bool continuesRun(const Baseline &line, double start) const;
     [[nodiscard]] bool isRepetition(const Baseline &line, const PlacedGlyph &glyph) const;
 
@@ -70,6 +73,8 @@ private:
     std::vector<GlyphRun> runs;
     std::vector<GlyphRun> marks;
     bool hasBlank = false;
+    double blankX = 0; ///< pen position of the last blank
+    double blankY = 0;
     bool skipsContinuations = false;
     bool isReplacing = false;
     std::u32string replacement;

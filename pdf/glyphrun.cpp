@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstddef>
 
 namespace pdf {
 
@@ -22,7 +21,7 @@ bool isSameGlyph(const PlacedGlyph &a, const PlacedGlyph &b, double em)
 bool GlyphRun::isFollowedFrom(double start) const
 {
     constexpr double farthestBackEm = 0.2;
-    constexpr double leastAdvance = 0.25;
+    constexpr double leastAdvance = 0.15;
     const PlacedGlyph &last = glyphs.back();
     const double earliest = std::min(last.end - farthestBackEm * line.em,
                                      last.start + leastAdvance * (last.end - last.start));
@@ -42,6 +41,20 @@ void GlyphRun::append(const PlacedGlyph &glyph)
         ++gaps;
     }
     glyphs.push_back(glyph);
+}
+
+void GlyphRun::append(const GlyphRun &next)
+{
+    for (const PlacedGlyph &glyph : next.glyphs)
+        append(glyph);
+}
+
+void GlyphRun::insert(std::size_t place, const std::vector<PlacedGlyph> &letters)
+{
+    PlacedGlyph &before = glyphs[place - 1];
+    before.end = std::clamp(letters.front().start, before.start, before.end);
+    const auto next = glyphs.begin() + static_cast<std::ptrdiff_t>(place);
+    glyphs.insert(next, letters.begin(), letters.end());
 }
 
 bool GlyphRun::takesMark(const GlyphRun &mark)
@@ -89,6 +102,22 @@ double GlyphRun::blankGap() const
     // Word spaces shrink to about 0.2 em in tightly set lines; kerning stays below 0.1 em.
     constexpr double smallestBlankEm = 0.15;
     return smallestBlankEm * line.em + letterSpacing();
+}
+
+bool GlyphRun::isBlankBefore(std::size_t index, double blankGap) const
+{
+    const PlacedGlyph &glyph = glyphs[index];
+    return index > 0 && (glyph.hasBlankBefore ||
+                         (!glyph.isContinuation && glyph.start - glyphs[index - 1].end > blankGap));
+}
+
+std::ptrdiff_t GlyphRun::firstWordLength() const
+{
+    const double blank = blankGap();
+    std::size_t length = 1;
+    while (length < glyphs.size() && !isBlankBefore(length, blank))
+        ++length;
+    return static_cast<std::ptrdiff_t>(length);
 }
 
 } // namespace pdf

@@ -3,6 +3,7 @@
 
 #pragma once
 
+#include <cstddef>
 #include <vector>
 
 namespace pdf {
@@ -45,6 +46,9 @@ public:
     [[nodiscard]] double end() const { return glyphs.back().end; }
 
     void append(const PlacedGlyph &glyph);
+    void append(const GlyphRun &next);
+    /// Adds letters that stand between its own before the one at the place, which is not the first.
+    void insert(std::size_t place, const std::vector<PlacedGlyph> &letters);
     /// Adds the mark to the letter under or over which it stands; gives whether there is one.
     [[nodiscard]] bool takesMark(const GlyphRun &mark);
     /// Whether a glyph or run that starts there follows the last glyph as the next one of a word or
@@ -58,6 +62,9 @@ public:
     [[nodiscard]] double widestGap() const;
     /// Smallest distance between neighbours that reads as a blank, in pixels.
     [[nodiscard]] double blankGap() const;
+    /// Whether a blank is read before the glyph; blankGap is the run's.
+    [[nodiscard]] bool isBlankBefore(std::size_t index, double blankGap) const;
+    [[nodiscard]] std::ptrdiff_t firstWordLength() const;
 
 private:
     double smallestGap = 0;

@@ -198,8 +198,41 @@ void TestLayout::fragmentTexts_data()
     row("tight word spaces", inHelvetica("-0.8 Tw (a tight line) Tj"), {"a tight line"});
     row("two lines", simplePdf({showText(20, 100, "upper") + showText(20, 86, "lower")}),
         {"upper", "lower"});
-    row("raised letters are another line",
-        simplePdf({showText(20, 100, "x") + showText(26.5, 104, "2", 8)}), {"2", "x"});
+    // Helvetica advances by 0.722 em in H and N, by 0.778 em in O.
+    row("raised letters", simplePdf({showText(20, 100, "m") + showText(30, 104, "2", 8)}), {"m2"});
+    row("raised letters within a line",
+        simplePdf(
+            {showText(20, 100, "1") + showText(26.7, 104, "st", 8) + showText(37, 100, "of May")}),
+        {"1st of May"});
+    row("raised letters as wide as a column gap",
+        simplePdf(
+            {showText(20, 100, "x") + showText(26, 104, "\\(1+10\\)", 8) + showText(50, 100, "y")}),
+        {"x(1+10)y"});
+    row("lowered letters drawn first",
+        simplePdf({showText(28.7, 98, "2", 8) + showText(50.5, 98, "4", 8) +
+                   showText(20, 100, "H") + showText(33.1, 100, "SO")}),
+        {"H2SO4"});
+    row("lowered letters close to each other",
+        simplePdf({showText(20, 100, "x") + showText(26, 98, "1", 8) + showText(30.4, 100, "y") +
+                   showText(36.4, 98, "2", 8)}),
+        {"x1y2"});
+    row("lowered letters of full size",
+        simplePdf({showText(20, 100, "T") + showText(26, 97.5, "E") + showText(32.5, 100, "X")}),
+        {"TEX"});
+    row("raised letters behind a blank",
+        simplePdf({showText(20, 100, "x ") + showText(29.4, 104, "2", 8)}), {"2", "x"});
+    row("raised letters before a line",
+        simplePdf({showText(20, 104, "1", 8) + showText(24.5, 100, "See")}), {"1", "See"});
+    row("label in small print above a field",
+        simplePdf({showText(20, 100, "Berlin") + showText(53, 109, "Zip", 6)}), {"Zip", "Berlin"});
+    row("blank before a line a little higher",
+        simplePdf({showText(20, 100, "one ") + showText(42.5, 100.5, "two")}), {"one two"});
+    row("letters reaching far under the one before", inHelvetica("[(H) 560 (I)] TJ"), {"HI"});
+    row("another text over a text",
+        simplePdf({showText(20, 100, "Paid") + showText(20, 100, "Potato")}), {"Paid", "Potato"});
+    row("shadow", simplePdf({showText(22.5, 97.5, "Bold") + showText(20, 100, "Bold")}), {"Bold"});
+    row("shadow beside", simplePdf({showText(23, 100, "Bold") + showText(20, 100, "Bold")}),
+        {"Bold"});
     row("shown twice in place",
         simplePdf({showText(20, 100, "Bold") + showText(20.3, 100, "Bold")}), {"Bold"});
     row("filled, then stroked word by word",
@@ -352,8 +385,14 @@ void TestLayout::boxes()
 
 void TestLayout::cornerDoesNotDependOnText()
 {
-    for (const char *text : {"INV-0042", "i", "\xC4\xD6\xDC", "jgq", "_", "'", "WWWWWWWW"}) {
-        const auto fragments = fragmentsOf(simplePdf({showText(30, 100, text)}));
+    // 40 pixels from the left; the raised letters stand behind "Smith".
+    const QByteArray smith = showText(30, 100, "Smith");
+    QByteArrayList lines = {smith + showText(60.1, 104, "2", 8),
+                            smith + showText(60.1, 98, "a", 7)};
+    for (const char *text : {"INV-0042", "i", "\xC4\xD6\xDC", "jgq", "_", "'", "WWWWWWWW"})
+        lines.append(showText(30, 100, text));
+    for (const QByteArray &line : lines) {
+        const auto fragments = fragmentsOf(simplePdf({line}));
         QCOMPARE(fragments.size(), std::size_t{1});
         QCOMPARE(QPoint(fragments[0].left, fragments[0].top), QPoint(40, 121));
         QCOMPARE(fragments[0].height, 16);
