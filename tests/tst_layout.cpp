@@ -138,26 +138,44 @@ QByteArray mappedLine(const QByteArray &codes)
     return "BT /F2 12 Tf 20 100 Td (" + codes + ") Tj ET";
 }
 
-/// A page whose form XObject and whose annotation show one text each.
-QByteArray formAndAnnotation()
+/// A page that shows the form XObject and has an annotation at 20, 20 with the entries and, unless
+/// it is empty, the appearance.
+QByteArray formAndAnnotation(const QByteArray &form, const QByteArray &entries,
+                             const QByteArray &appearance = QByteArray())
 {
     PdfBuilder file;
-    const QByteArray resources =
-        "/Resources << /Font << /F1 " + PdfBuilder::ref(file.addHelvetica()) + " >> >>";
-    const QByteArray form = "/Type /XObject /Subtype /Form /BBox [0 0 300 200] " + resources;
-    const int drawn = file.addStream(showText(20, 150, "in a form"), form);
-    const int appearance = file.addStream(showText(5, 5, "in a note"), form);
-    const int annotation = file.add("<< /Type /Annot /Subtype /Stamp /F 4 /Rect [20 20 320 220] "
-                                    "/AP << /N " +
-                                    PdfBuilder::ref(appearance) + " >> >>");
+    const QByteArray fonts = "<< /Font << /F1 " + PdfBuilder::ref(file.addHelvetica()) + " >> >>";
+    const QByteArray formEntries =
+        "/Type /XObject /Subtype /Form /BBox [0 0 300 200] /Resources " + fonts;
+    const int drawn = file.addStream(form, formEntries);
+    QByteArray annotation = "<< /Type /Annot /Rect [20 20 320 220] " + entries;
+    if (!appearance.isEmpty())
+        annotation +=
+            " /AP << /N " + PdfBuilder::ref(file.addStream(appearance, formEntries)) + " >>";
+    const QByteArray annotations = '[' + PdfBuilder::ref(file.add(annotation + " >>")) + ']';
     const int contents = file.addStream("/X Do");
     const int root = file.reserve();
     const int page = file.add("<< /Type /Page /Parent " + PdfBuilder::ref(root) +
                               " /MediaBox [0 0 300 200] /Contents " + PdfBuilder::ref(contents) +
                               " /Resources << /XObject << /X " + PdfBuilder::ref(drawn) +
-                              " >> >> /Annots [" + PdfBuilder::ref(annotation) + "] >>");
+                              " >> >> /Annots " + annotations + " >>");
     file.define(root, "<< /Type /Pages /Kids [" + PdfBuilder::ref(page) + "] /Count 1 >>");
-    return file.bytes(file.add("<< /Type /Catalog /Pages " + PdfBuilder::ref(root) + " >>"));
+    return file.bytes(file.add("<< /Type /Catalog /Pages " + PdfBuilder::ref(root) +
+                               " /AcroForm << /DR " + fonts + " /Fields " + annotations +
+                               " >> >>"));
+}
+
+/// As /F2 a font whose letter "a" is a drawing, of half an em and as wide.
+QByteArray drawnFontPdf(const QByteArray &contents)
+{
+    return pageWithFont(contents, [](PdfBuilder &file) {
+        return "<< /Type /Font /Subtype /Type3 /FontBBox [0 0 10 10] /FontMatrix [0.05 0 0 0.05 0 "
+               "0] /FirstChar 97 /LastChar 97 /Widths [10] /Encoding << /Differences [97 /a] >> "
+               "/CharProcs << /a " +
+               PdfBuilder::ref(file.addStream("10 0 0 0 10 10 d1 0 0 10 10 re f")) +
+               " >> /ToUnicode " + PdfBuilder::ref(addUnicodeMap(file, "FF", 'a', {"0041"})) +
+               " >>";
+    });
 }
 
 QByteArray inHelvetica(const QByteArray &operators)
@@ -249,7 +267,22 @@ void TestLayout::fragmentTexts_data()
                   "/CropBox [0 50 150 150]"),
         {"inside"});
     row("outside the media box", simplePdf({showText(20, 300, "above")}), {});
-    row("form and annotation", formAndAnnotation(), {"in a form", "in a note"});
+    const QByteArray inForm = showText(20, 150, "in a form");
+    const QByteArray inField = showText(5, 5, "in a field");
+    row("form and stamp", formAndAnnotation(inForm, "/Subtype /Stamp /F 4", inField),
+        {"in a form", "in a field"});
+    row("form field",
+        formAndAnnotation(inForm, "/Subtype /Widget /FT /Tx /T (a) /V (old)", inField),
+        {"in a form", "in a field"});
+    row("form field that viewers draw themselves",
+        formAndAnnotation(inForm, "/Subtype /Widget /FT /Tx /T (a) /V (INV-7) /DA (/F1 12 Tf)"),
+        {"in a form", "INV-7"});
+    row("hidden annotation", formAndAnnotation(inForm, "/Subtype /Stamp /F 2", inField),
+        {"in a form"});
+    row("stated text in a form", formAndAnnotation(stated("(fish)", inForm), "/Subtype /Link"),
+        {"fish"});
+    row("letters that are drawings", drawnFontPdf("BT /F2 12 Tf 20 100 Td [(a) -300 (aa)] TJ ET"),
+        {"A AA"});
     row("ligature as one character", mappedPdf(mappedLine("abc"), {"006F", "FB03", "0063"}),
         {"offic"});
     row("ligature as several characters", mappedPdf(mappedLine("ab"), {"00660069", "006E"}),
@@ -362,6 +395,10 @@ void TestLayout::boxes_data()
     row("page turned by 90", line, "/Rotate 90", {130, 40, 16, 36});
     row("page turned by 180", line, "/Rotate 180", {324, 130, 36, 16});
     row("page turned by 270", line, "/Rotate 270", {121, 324, 16, 36});
+    // The line stands 15 points from the left and 80 from the upper edge of the crop box, which
+    // the turn makes the right one; a point has 2.67 pixels.
+    row("page turned, with user unit and crop box", line,
+        "/Rotate 90 /UserUnit 2 /CropBox [15 20 295 180]", {207, 40, 32, 71});
     row("text turned by 90", "BT /F1 12 Tf 0 1 -1 0 100 30 Tm (aaaa) Tj ET", "",
         {121, 191, 16, 36});
     row("stretched", "BT /F1 12 Tf 200 Tz 30 100 Td (aaaa) Tj ET", "", {40, 121, 71, 16});
