@@ -97,7 +97,7 @@ void AnnotationCopier::copyEntry(QPDFObjectHandle &copied, const std::string &ke
     } else if (key == "/AA") {
         copied.replaceKey(key, destinations.copyAdditionalActions(value));
     } else {
-        copied.replaceKey(key, copier.copy(value));
+        ObjectCopier::setEntry(copied, key, copier.copy(value));
     }
 }
 

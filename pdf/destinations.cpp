@@ -81,8 +81,8 @@ QPDFObjectHandle DestinationCopier::copyDestination(const QPDFObjectHandle &dest
     const QPDFObjectHandle copied = QPDFObjectHandle::newArray(items);
     QPDFObjectHandle name = destination;
     if (name.isName()) {
-        usedNames.emplace(name.getName(), copied);
-        return QPDFObjectHandle::newName(name.getName());
+        usedNames.emplace(ObjectCopier::writtenName(name.getName()), copied);
+        return QPDFObjectHandle::newName(ObjectCopier::writtenName(name.getName()));
     }
     if (name.isString()) {
         usedStrings.emplace(name.getStringValue(), copied);
@@ -148,7 +148,7 @@ QPDFObjectHandle DestinationCopier::copyActionChain(QPDFObjectHandle action, int
     } else {
         for (const auto &[key, value] : action.getDictAsMap()) {
             if (key != "/Next")
-                copied.replaceKey(key, copier.copy(value));
+                ObjectCopier::setEntry(copied, key, copier.copy(value));
         }
     }
     copied.replaceKey("/Next", following);
@@ -176,7 +176,7 @@ QPDFObjectHandle DestinationCopier::copyAdditionalActions(const QPDFObjectHandle
         return nothing();
     QPDFObjectHandle result = QPDFObjectHandle::newDictionary();
     for (const auto &[event, action] : dictionary.getDictAsMap())
-        result.replaceKey(event, copyAction(action));
+        ObjectCopier::setEntry(result, event, copyAction(action));
     return result.getKeys().empty() ? nothing() : result;
 }
 

@@ -106,7 +106,7 @@ void FormFieldCopier::fill(const QPDFObjectHandle &original, Ancestor &field)
         if (key == "/AA")
             copied.replaceKey(key, destinations.copyAdditionalActions(value));
         else if (key != "/Kids" && key != "/Parent" && key != "/P")
-            copied.replaceKey(key, copier.copy(value));
+            ObjectCopier::setEntry(copied, key, copier.copy(value));
     }
     copied.replaceKey("/Kids", QPDFObjectHandle::newArray());
     copier.targetDocument().replaceObject(field.copied.getObjGen(), copied);

@@ -46,6 +46,23 @@ bool isLeftOut(const std::string &key)
 
 } // namespace
 
+std::string ObjectCopier::writtenName(const std::string &name)
+{
+    static const bool escapesNumberSign = QPDFObjectHandle::newName("/#").unparse() != "/#";
+    if (escapesNumberSign || name.find('#') == std::string::npos)
+        return name;
+    std::string escaped;
+    for (const char c : name)
+        escaped += c == '#' ? std::string("#23") : std::string(1, c);
+    return escaped;
+}
+
+void ObjectCopier::setEntry(QPDFObjectHandle dictionary, const std::string &key,
+                            const QPDFObjectHandle &copied)
+{
+    dictionary.replaceKey(writtenName(key), copied);
+}
+
 void ObjectCopier::map(QPDFObjGen object, const QPDFObjectHandle &replacement)
 {
     mapping[object] = replacement;
@@ -130,7 +147,7 @@ QPDFObjectHandle ObjectCopier::copyDirect(QPDFObjectHandle value)
     case ::ot_string:
         return QPDFObjectHandle::newString(value.getStringValue());
     case ::ot_name:
-        return QPDFObjectHandle::newName(value.getName());
+        return QPDFObjectHandle::newName(writtenName(value.getName()));
     default:
         return QPDFObjectHandle::newNull();
     }
@@ -146,14 +163,13 @@ QPDFObjectHandle ObjectCopier::copyArray(QPDFObjectHandle array)
 
 QPDFObjectHandle ObjectCopier::copyDictionary(QPDFObjectHandle dictionary)
 {
-    std::map<std::string, QPDFObjectHandle> entries = dictionary.getDictAsMap();
-    for (auto entry = entries.begin(); entry != entries.end();) {
-        if (!isLeftOut(entry->first))
-            entry->second = copy(entry->second);
-        else
-            entry->second = QPDFObjectHandle::newNull();
-        entry = !entry->second.isIndirect() && entry->second.isNull() ? entries.erase(entry)
-                                                                      : std::next(entry);
+    std::map<std::string, QPDFObjectHandle> entries;
+    for (const auto &[key, value] : dictionary.getDictAsMap()) {
+        if (isLeftOut(key))
+            continue;
+        QPDFObjectHandle copied = copy(value);
+        if (copied.isIndirect() || !copied.isNull())
+            entries.emplace_hint(entries.end(), writtenName(key), copied);
     }
     return QPDFObjectHandle::newDictionary(entries);
 }

@@ -38,6 +38,14 @@ public:
     {
         return copyDirect(value);
     }
+    /// Gives the dictionary of the target the entry of a source's dictionary. To be used for keys
+    /// that the source decides, instead of replaceKey().
+    static void setEntry(QPDFObjectHandle dictionary, const std::string &key,
+                         const QPDFObjectHandle &copied);
+    /// A name of the source for the target: qpdf up to version 11 writes a number sign that is part
+    /// of a name as it is, and readers would take it for the beginning of an escape.
+    [[nodiscard]] static std::string writtenName(const std::string &name);
+
     /// A copy of a direct value as an indirect object of the target.
     [[nodiscard]] QPDFObjectHandle copyAsIndirect(const QPDFObjectHandle &value);
     /// An indirect object of the target to be filled later with replaceObject().

@@ -255,7 +255,7 @@ QPDFObjectHandle ResourceCopier::usedEntries(const Usage &usage)
         return copier.copyContents(dictionary);
     QPDFObjectHandle copied = QPDFObjectHandle::newDictionary();
     for (const std::string &name : usage.names)
-        copied.replaceKey(name, copier.copy(dictionary.getKey(name)));
+        ObjectCopier::setEntry(copied, name, copier.copy(dictionary.getKey(name)));
     return copied;
 }
 
@@ -266,9 +266,9 @@ QPDFObjectHandle ResourceCopier::usedResources(QPDFObjectHandle resources, QPDFO
         const auto usage = usages.find({owner, category});
         const bool isOwn = dictionary.isDictionary() && !dictionary.isIndirect();
         if (!isOwn)
-            copied.replaceKey(category, copier.copy(dictionary));
+            ObjectCopier::setEntry(copied, category, copier.copy(dictionary));
         else if (usage != usages.end())
-            copied.replaceKey(category, usedEntries(usage->second));
+            ObjectCopier::setEntry(copied, category, usedEntries(usage->second));
     }
     return copied;
 }

@@ -128,7 +128,7 @@ void StructureCopier::fillElement(QPDFObjectHandle original, QPDFObjectHandle co
     QPDFObjectHandle dictionary = QPDFObjectHandle::newDictionary();
     for (const auto &[key, value] : original.getDictAsMap()) {
         if (key != "/K" && key != "/P" && key != "/Pg")
-            dictionary.replaceKey(key, copier.copy(value));
+            ObjectCopier::setEntry(dictionary, key, copier.copy(value));
     }
     dictionary.replaceKey("/P", parent == kept.end() ? root : parent->second);
     dictionary.replaceKey("/Pg", page);
