@@ -68,6 +68,29 @@ QPDFObjectHandle configuration(ObjectCopier &copier, QPDFObjectHandle original)
     return copied;
 }
 
+bool saysAnything(QPDFObjectHandle copiedConfiguration)
+{
+    for (const char *key : {"/BaseState", "/ON", "/OFF", "/Order"}) {
+        if (copiedConfiguration.hasKey(key))
+            return true;
+    }
+    return false;
+}
+
+/// The other states that a reader can choose; those that say nothing of copied layers are left out.
+QPDFObjectHandle alternatives(ObjectCopier &copier, QPDFObjectHandle array)
+{
+    QPDFObjectHandle result = QPDFObjectHandle::newArray();
+    if (!array.isArray())
+        return QPDFObjectHandle::newNull();
+    for (const QPDFObjectHandle &original : array.getArrayAsVector()) {
+        const QPDFObjectHandle copied = configuration(copier, original);
+        if (saysAnything(copied))
+            result.appendItem(copied);
+    }
+    return result.getArrayNItems() > 0 ? result : QPDFObjectHandle::newNull();
+}
+
 } // namespace
 
 QPDFObjectHandle copyLayerProperties(ObjectCopier &copier)
@@ -82,6 +105,7 @@ QPDFObjectHandle copyLayerProperties(ObjectCopier &copier)
     QPDFObjectHandle copied = QPDFObjectHandle::newDictionary();
     copied.replaceKey("/OCGs", layers);
     copied.replaceKey("/D", configuration(copier, original.getKey("/D")));
+    copied.replaceKey("/Configs", alternatives(copier, original.getKey("/Configs")));
     return copied;
 }
 

@@ -3,6 +3,8 @@
 
 #include "pdf/pagecopier.h"
 
+#include <set>
+
 namespace pdf {
 
 void PageCopier::announce(const PageEntry &entry)
@@ -28,7 +30,7 @@ QPDFObjectHandle PageCopier::copy(const PageEntry &entry)
     static const char *const keys[] = {"/Contents", "/BleedBox",     "/TrimBox",  "/ArtBox",
                                        "/UserUnit", "/BoxColorInfo", "/Group",    "/Trans",
                                        "/Dur",      "/Tabs",         "/Metadata", "/LastModified",
-                                       "/VP",       "/OutputIntents"};
+                                       "/VP",       "/AF",           "/PZ",       "/OutputIntents"};
     QPDFObjectHandle original = document.qpdf().getObject(entry.page);
     QPDFObjectHandle page = QPDFObjectHandle::newDictionary();
     page.replaceKey("/Type", QPDFObjectHandle::newName("/Page"));
@@ -43,8 +45,56 @@ QPDFObjectHandle PageCopier::copy(const PageEntry &entry)
     if (!page.hasKey("/MediaBox"))
         page.replaceKey("/MediaBox", QPDFObjectHandle::parse("[0 0 612 792]"));
     page.replaceKey("/AA", destinations.copyAdditionalActions(original.getKey("/AA")));
+    page.replaceKey("/PresSteps", copySteps(original.getKey("/PresSteps")));
+    page.replaceKey("/SeparationInfo", copySeparation(original.getKey("/SeparationInfo")));
     page.replaceKey("/Resources", copyResources(entry));
     return page;
+}
+
+/// The steps of a presentation within the page, a chain of nodes (ISO 32000-1, 12.4.4.2).
+QPDFObjectHandle PageCopier::copySteps(QPDFObjectHandle node)
+{
+    QPDFObjectHandle first = QPDFObjectHandle::newNull();
+    QPDFObjectHandle previous;
+    std::set<QPDFObjGen> visited; // the chain of a damaged file can be a loop
+    while (node.isDictionary() && (!node.isIndirect() || visited.insert(node.getObjGen()).second)) {
+        QPDFObjectHandle copied = copier.copyAsIndirect(QPDFObjectHandle::newDictionary());
+        for (const char *key : {"/Type", "/Dur"})
+            copied.replaceKey(key, copier.copy(node.getKey(key)));
+        for (const char *key : {"/NA", "/PA"})
+            copied.replaceKey(key, destinations.copyAction(node.getKey(key)));
+        if (first.isNull()) {
+            first = copied;
+        } else {
+            previous.replaceKey("/Next", copied);
+            copied.replaceKey("/Prev", previous);
+        }
+        previous = copied;
+        node = node.getKey("/Next");
+    }
+    return first;
+}
+
+/// Which ink a preseparated page is for, and the kept ones among the pages that make one sheet
+/// with it (ISO 32000-1, 14.11.4).
+QPDFObjectHandle PageCopier::copySeparation(QPDFObjectHandle original)
+{
+    if (!original.isDictionary())
+        return QPDFObjectHandle::newNull();
+    QPDFObjectHandle copied = QPDFObjectHandle::newDictionary();
+    for (const char *key : {"/DeviceColorant", "/ColorSpace"})
+        copied.replaceKey(key, copier.copy(original.getKey(key)));
+    QPDFObjectHandle sheet = original.getKey("/Pages");
+    QPDFObjectHandle kept = QPDFObjectHandle::newArray();
+    if (sheet.isArray()) {
+        for (const QPDFObjectHandle &page : sheet.getArrayAsVector()) {
+            const QPDFObjectHandle there = copier.mapped(page.getObjGen());
+            if (there.isIndirect())
+                kept.appendItem(there);
+        }
+    }
+    copied.replaceKey("/Pages", kept);
+    return copied;
 }
 
 QPDFObjectHandle PageCopier::inherited(const PageEntry &entry, const char *key)

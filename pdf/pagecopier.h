@@ -31,6 +31,8 @@ private:
     QPDFObjectHandle inherited(const PageEntry &entry, const char *key);
     ResourceCopier::PageResources resourcesOf(const PageEntry &entry);
     QPDFObjectHandle copyResources(const PageEntry &entry);
+    QPDFObjectHandle copySteps(QPDFObjectHandle node);
+    QPDFObjectHandle copySeparation(QPDFObjectHandle original);
 
     Document &document;
     ObjectCopier &copier;

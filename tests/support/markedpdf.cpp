@@ -10,6 +10,12 @@ QByteArray ref(int number)
     return PdfBuilder::ref(number);
 }
 
+/// A reply to the last of the annotations.
+QByteArray repliesTo(const QList<int> &annotations)
+{
+    return annotations.isEmpty() ? QByteArray() : " /IRT " + ref(annotations.last());
+}
+
 QByteArray digits(int number)
 {
     return QByteArray::number(number);
@@ -37,6 +43,7 @@ void MarkedPdf::addResources(const QByteArray &digit)
         file.addStream("image" + digit, "/Type /XObject /Subtype /Image /Width 2 /Height 1 "
                                         "/ColorSpace /DeviceRGB /BitsPerComponent 8");
     layers.append(file.add("<< /Type /OCG /Name (layer" + digit + ") >>"));
+    views += "<< /Name (view" + digit + ") /ON [" + ref(layers.last()) + "] >> ";
     fonts += "/F" + digit + ' ' + ref(font) + ' ';
     images += "/Im#2E" + digit + ' ' + ref(image) + ' ';
     properties += "/L" + digit + ' ' + ref(layers.last()) + ' ';
@@ -56,7 +63,7 @@ void MarkedPdf::definePage(int number)
                                                           "/ColorSpace /DeviceRGB");
     file.define(beads[number - 1], "<< /X (bead" + digit + ") /N " + ref(beads[number % count]) +
                                        " /P " + self + " >>");
-    file.define(paragraphs[number - 1], "<< /Type /StructElem /S /P /P " + ref(document) +
+    file.define(paragraphs[number - 1], "<< /Type /StructElem /S /P /C /Small /P " + ref(document) +
                                             " /Alt (tag" + digit + ") /ID (id" + digit + ") /Pg " +
                                             self + " /K 0 >>");
     file.define(pages[number - 1],
@@ -64,8 +71,26 @@ void MarkedPdf::definePage(int number)
                     " /Annots " + addAnnotations(number) + " /B [" + ref(beads[number - 1]) +
                     "] /StructParents " + digit + " /Metadata " + ref(metadata) + " /Thumb " +
                     ref(thumbnail) + " /PieceInfo << /App << /Private (piece" + digit +
-                    ") >> >> /Trans << /S /Wipe >> /Tabs /S" +
+                    ") >> >> /Trans << /S /Wipe >> /Tabs /S" + pageExtras(number) +
                     (number % 2 == 1 ? " /Resources " + ref(resources) : QByteArray()) + " >>");
+}
+
+/// What few pages have: boxes, associated files, steps of a presentation, separations.
+QByteArray MarkedPdf::pageExtras(int number)
+{
+    const QByteArray digit = digits(number);
+    const QByteArray sheet = ref(pages[number - 1]) + ' ' + ref(pages[number % count]);
+    const int data = file.addStream("associate" + digit, "/Type /EmbeddedFile");
+    const int second = file.reserve();
+    const int first = file.add("<< /Type /NavNode /Next " + ref(second) +
+                               " /NA << /S /GoTo /D (dest" + digits(number % count + 1) +
+                               ") /Next << /S /URI /URI (step" + digit + ") >> >> >>");
+    file.define(second, "<< /Type /NavNode /Prev " + ref(first) + " /Next " + ref(first) +
+                            " /PA << /S /URI /URI (back" + digit + ") >> >>");
+    return " /UserUnit 1.5 /Dur 5 /TrimBox [1 1 299 199] /AF [<< /Type /Filespec /F (a) /EF << "
+           "/F " +
+           ref(data) + " >> >>] /PresSteps " + ref(first) + " /SeparationInfo << /Pages [" + sheet +
+           "] /DeviceColorant (ink" + digit + ") >>";
 }
 
 QByteArray MarkedPdf::addAnnotations(int number)
@@ -80,7 +105,8 @@ QByteArray MarkedPdf::addAnnotations(int number)
                                digit + ") /Parent " + ref(stamp) + " >>");
     file.define(stamp, "<< /Type /Annot /Subtype /Stamp /Rect [9 9 20 20] /P " + self +
                            " /Contents (note" + digit + ") /Popup " + ref(popup) + " /AP << /N " +
-                           ref(look) + " >> >>");
+                           ref(look) + " >>" + repliesTo(stamps) + " >>");
+    stamps.append(stamp);
     const int link = file.add("<< /Subtype /Link /Rect [1 1 9 9] /Contents (link" + digit +
                               ") /Dest (dest" + digits(number % count + 1) + ") >>");
     const int data = file.addStream("attach" + digit, "/Type /EmbeddedFile");
@@ -147,7 +173,8 @@ QByteArray MarkedPdf::structureTree()
                               PdfBuilder::refs(paragraphs + formElements) + " >>");
     file.define(tree, "<< /Type /StructTreeRoot /K [" + ref(document) + "] /ParentTree << /Nums [" +
                           numbers + "] >> /IDTree << /Names [" + identifiers +
-                          "] >> /RoleMap << /Title /P >> >>");
+                          "] >> /RoleMap << /Title /P >> /ClassMap << /Small << /O "
+                          "/Layout >> >> >>");
     return ref(tree);
 }
 
@@ -168,8 +195,9 @@ QByteArray MarkedPdf::catalogEntries()
            "/ViewerPreferences " +
            ref(file.add("<< /DisplayDocTitle true /PrintPageRange [1 1] >>")) +
            " /Threads [<< /F " + ref(beads.first()) + " >>] /OCProperties << /OCGs " +
-           PdfBuilder::refs(layers) + " /D << /OFF " + PdfBuilder::refs(layers) +
-           " >> >> /AcroForm << /DA (/F1 0 Tf) /CO " + PdfBuilder::refs(widgets) + " /Fields " +
+           PdfBuilder::refs(layers) + " /D << /OFF " + PdfBuilder::refs(layers) + " >> /Configs [" +
+           views + "] >> /AcroForm << /DR << /Font << /Default " + ref(file.addHelvetica()) +
+           " >> >> /Q 2 /DA (/F1 0 Tf) /CO " + PdfBuilder::refs(widgets) + " /Fields " +
            PdfBuilder::refs({group, sharedField}) + " >>";
 }
 

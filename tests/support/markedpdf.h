@@ -21,6 +21,7 @@ public:
 private:
     void definePage(int number);
     void addResources(const QByteArray &digit);
+    QByteArray pageExtras(int number);
     QByteArray addAnnotations(int number);
     int addOutline();
     QByteArray structureTree();
@@ -37,10 +38,12 @@ private:
     QList<int> beads;
     QList<int> paragraphs;
     QList<int> formElements;
+    QList<int> stamps;
     QList<int> widgets;
     QList<int> sharedWidgets;
     QList<int> layers;
     QByteArray fonts;
     QByteArray images;
     QByteArray properties;
+    QByteArray views; ///< of the layers: alternative states
 };
