@@ -68,10 +68,12 @@ public:
         // Object streams came with PDF 1.5; a file for older readers stays one.
         const bool isForOldReaders = version < PDFVersion(1, 5);
         writer.setObjectStreamMode(isForOldReaders ? qpdf_o_disable : qpdf_o_generate);
-        if (document.qpdf().isEncrypted())
+        if (document.qpdf().isEncrypted()) {
+            stateKeyLength(document.qpdf());
             writer.copyEncryptionParameters(document.qpdf());
-        else
+        } else {
             writer.setDeterministicID(true);
+        }
         writer.write();
     }
 
@@ -82,6 +84,16 @@ private:
         result->setSuppressWarnings(true);
         result->emptyPDF();
         return result;
+    }
+
+    /// Where a file leaves the length of its key out, qpdf reads it with the right one but copies it
+    /// as zero.
+    static void stateKeyLength(QPDF &encrypted)
+    {
+        const auto bits = static_cast<long long>(encrypted.getEncryptionKey().size() * 8);
+        QPDFObjectHandle parameters = encrypted.getTrailer().getKey("/Encrypt");
+        if (parameters.isDictionary())
+            parameters.replaceKey("/Length", QPDFObjectHandle::newInteger(bits));
     }
 
     [[nodiscard]] const PageEntry &entryOf(int index) const

@@ -457,6 +457,10 @@ void TestMerge::encryption_data()
         << pdfobjects::encrypted(plain, "", "owner", Assembling::Allowed) << 0;
     QTest::newRow("opens without password, must not be assembled")
         << pdfobjects::encrypted(plain, "", "owner", Assembling::Forbidden) << 6;
+    QTest::newRow("length of the key left out")
+        << pdfobjects::encrypted(plain, "", "owner", Assembling::Allowed, 4)
+               .replace("/Length 128", "/Fength 128")
+        << 0;
     QTest::newRow("empty owner password")
         << pdfobjects::encrypted(plain, "", "", Assembling::Forbidden) << 0;
     QTest::newRow("needs a password")

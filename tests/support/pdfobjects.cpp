@@ -183,15 +183,20 @@ QString structureFaults(const QString &file)
 }
 
 QByteArray encrypted(const QByteArray &pdf, const char *userPassword, const char *ownerPassword,
-                     Assembling assembling)
+                     Assembling assembling, int revision)
 {
+    const bool mayAssemble = assembling == Assembling::Allowed;
     QPDF input;
     input.processMemoryFile("input", pdf.constData(), static_cast<std::size_t>(pdf.size()));
     QPDFWriter writer(input);
     writer.setOutputMemory();
-    writer.setR6EncryptionParameters(userPassword, ownerPassword, true, true,
-                                     assembling == Assembling::Allowed, true, true, true,
-                                     qpdf_r3p_full, true);
+    if (revision == 4)
+        writer.setR4EncryptionParametersInsecure(userPassword, ownerPassword, true, true,
+                                                 mayAssemble, true, true, true, qpdf_r3p_full, true,
+                                                 true);
+    else
+        writer.setR6EncryptionParameters(userPassword, ownerPassword, true, true, mayAssemble, true,
+                                         true, true, qpdf_r3p_full, true);
     writer.write();
     const std::shared_ptr<Buffer> output = writer.getBufferSharedPointer();
     return {reinterpret_cast<const char *>(output->getBuffer()),

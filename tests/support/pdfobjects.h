@@ -37,9 +37,11 @@ namespace pdfobjects {
 
 enum class Assembling { Allowed, Forbidden };
 
-/// The file encrypted with AES-256 and these passwords.
+/// The file encrypted with these passwords by revision 6 (AES-256) or 4 (AES-128) of the standard
+/// security handler.
 [[nodiscard]] QByteArray encrypted(const QByteArray &pdf, const char *userPassword,
-                                   const char *ownerPassword, Assembling assembling);
+                                   const char *ownerPassword, Assembling assembling,
+                                   int revision = 6);
 
 /// Whether the file is encrypted, opens without a password and forbids or allows assembling.
 [[nodiscard]] bool isEncryptedWith(const QString &file, Assembling assembling);
