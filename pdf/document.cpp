@@ -4,6 +4,8 @@
 #include "pdf/document.h"
 
 #include "pdf/error.h"
+#include "pdf/referencetable.h"
+#include "pdf/twopartinput.h"
 
 #include <new>
 
@@ -45,7 +47,8 @@ void Document::open()
 {
     pdf->setSuppressWarnings(true);
     const std::string_view bytes = input.bytes();
-    pdf->processMemoryFile(input.path().c_str(), bytes.data(), bytes.size(), "");
+    pdf->processInputSource(
+        std::make_shared<TwoPartInput>(input.path(), bytes, referenceStreamFor(bytes)), "");
     bytesOfObjects = std::make_unique<ObjectBytes>(*pdf, bytes);
     pageList = readPageList(*pdf, *bytesOfObjects);
     hadWarnings = pdf->anyWarnings();
