@@ -14,6 +14,8 @@
 #include "pdf/outputpipeline.h"
 #include "pdf/pagecopier.h"
 #include "pdf/pagelabels.h"
+#include "pdf/plainobject.h"
+#include "pdf/resourceowners.h"
 #include "pdf/resources.h"
 #include "pdf/structuretree.h"
 
@@ -86,8 +88,8 @@ private:
         return result;
     }
 
-    /// Where a file leaves the length of its key out, qpdf reads it with the right one but copies it
-    /// as zero.
+    /// Where a file leaves the length of its key out, qpdf reads it with the right one but copies
+    /// it as zero.
     static void stateKeyLength(QPDF &encrypted)
     {
         const auto bits = static_cast<long long>(encrypted.getEncryptionKey().size() * 8);
@@ -106,8 +108,13 @@ private:
     std::vector<QPDFObjectHandle> announce(const std::vector<int> &indexes)
     {
         std::vector<QPDFObjectHandle> pages;
+        resources.setOwn(ownResources(document, indexes));
+        // As far as to the fonts and graphics states in the resources.
+        constexpr int levels = 2;
+        AheadReader ahead(document.qpdf(), document.objectBytes());
         for (const int index : indexes) {
             const QPDFObjGen number = entryOf(index).page;
+            ahead.read(number, levels);
             const QPDFObjectHandle page = copier.placeholder();
             isRepetition.push_back(copier.isMapped(number));
             if (!isRepetition.back())
@@ -170,7 +177,8 @@ private:
 
 } // namespace
 
-void assemblePages(Document &document, const std::vector<int> &indexes, OutputFile &output)
+void assemblePages(Document &document, const std::vector<int> &indexes, OutputFile &output,
+                   const std::function<void()> &written)
 {
     const std::string &path = document.file().path();
     if (!document.mayAssemble())
@@ -179,6 +187,7 @@ void assemblePages(Document &document, const std::vector<int> &indexes, OutputFi
         Assembly assembly(document);
         assembly.addPages(indexes);
         assembly.write(output);
+        written();
     } catch (const QPDFExc &cause) {
         throw Error(ExitCode::InputUnreadable, path + ": is damaged: " + cause.getMessageDetail());
     } catch (const std::logic_error &cause) {

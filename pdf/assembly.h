@@ -6,6 +6,7 @@
 #include "pdf/document.h"
 #include "pdf/outputfile.h"
 
+#include <functional>
 #include <vector>
 
 namespace pdf {
@@ -18,6 +19,11 @@ namespace pdf {
 /// An encrypted input keeps its encryption and permissions.
 /// Throws Error: Forbidden when the input's permissions do not allow it, InputUnreadable when
 /// damage stands in the way, OutputUnwritable.
-void assemblePages(Document &document, const std::vector<int> &indexes, OutputFile &output);
+///
+/// written is called when everything is written, before the memory of a large document is given
+/// back: a process that has nothing else to do can end there.
+void assemblePages(
+    Document &document, const std::vector<int> &indexes, OutputFile &output,
+    const std::function<void()> &written = [] {});
 
 } // namespace pdf

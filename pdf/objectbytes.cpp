@@ -35,4 +35,10 @@ std::optional<RawEntries> ObjectBytes::peekEntries(QPDFObjGen object) const
     return offset ? peekIndirectEntries(bytes, *offset, object) : std::nullopt;
 }
 
+std::string_view ObjectBytes::from(QPDFObjGen object) const
+{
+    const std::size_t offset = offsetOf(object).value_or(bytes.size());
+    return offset < bytes.size() ? bytes.substr(offset) : std::string_view();
+}
+
 } // namespace pdf

@@ -23,6 +23,8 @@ public:
     [[nodiscard]] std::optional<PeekedNode> peekNode(QPDFObjGen object) const;
     /// The entries of the object if it is a dictionary; no value when qpdf is to be asked.
     [[nodiscard]] std::optional<RawEntries> peekEntries(QPDFObjGen object) const;
+    /// The file from where the object begins ("7 0 obj"); empty when qpdf is to be asked.
+    [[nodiscard]] std::string_view from(QPDFObjGen object) const;
 
 private:
     [[nodiscard]] std::optional<std::size_t> offsetOf(QPDFObjGen object) const;

@@ -3,37 +3,13 @@
 
 #include "pdf/objectpeek.h"
 
-#include <array>
+#include "pdf/syntax.h"
+
 #include <climits>
 
 namespace pdf {
 
 namespace {
-
-enum class CharacterClass : unsigned char { Regular, Blank, Delimiter };
-
-/// The class of each byte (ISO 32000-1, 7.2.2).
-constexpr std::array<CharacterClass, 256> makeClasses()
-{
-    std::array<CharacterClass, 256> classes = {};
-    for (const char c : {' ', '\n', '\r', '\t', '\f', '\0'})
-        classes[static_cast<unsigned char>(c)] = CharacterClass::Blank;
-    for (const char c : {'(', ')', '<', '>', '[', ']', '{', '}', '/', '%'})
-        classes[static_cast<unsigned char>(c)] = CharacterClass::Delimiter;
-    return classes;
-}
-
-constexpr std::array<CharacterClass, 256> classes = makeClasses();
-
-inline bool isBlank(char c)
-{
-    return classes[static_cast<unsigned char>(c)] == CharacterClass::Blank;
-}
-
-inline bool isRegular(char c)
-{
-    return classes[static_cast<unsigned char>(c)] == CharacterClass::Regular;
-}
 
 /// A reader of PDF syntax (ISO 32000-1, 7.2 and 7.3) that skips values. Every function gives false
 /// as soon as something is not as expected; the position is then of no use.

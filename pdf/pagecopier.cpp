@@ -99,7 +99,20 @@ QPDFObjectHandle PageCopier::copySeparation(QPDFObjectHandle original)
 
 QPDFObjectHandle PageCopier::inherited(const PageEntry &entry, const char *key)
 {
-    return inheritedAttribute(document.qpdf(), document.pages(), entry, key);
+    QPDFObjectHandle own = document.qpdf().getObject(entry.page).getKey(key);
+    if (!own.isNull())
+        return own;
+    // What a node hands down is looked up once, not for each page below it.
+    const auto [found, isNew] = handedDown.try_emplace({entry.parent, key});
+    if (isNew) {
+        const std::map<QPDFObjGen, QPDFObjGen> &parents = document.pages().nodeParents;
+        const auto above = parents.find(entry.parent);
+        const PageEntry node{entry.parent, above == parents.end() ? QPDFObjGen() : above->second};
+        found->second = node.page.isIndirect()
+                            ? inheritedAttribute(document.qpdf(), document.pages(), node, key)
+                            : QPDFObjectHandle::newNull();
+    }
+    return found->second;
 }
 
 ResourceCopier::PageResources PageCopier::resourcesOf(const PageEntry &entry)

@@ -8,6 +8,10 @@
 #include "pdf/objectcopier.h"
 #include "pdf/resources.h"
 
+#include <map>
+#include <string>
+#include <utility>
+
 namespace pdf {
 
 /// Copies page objects (ISO 32000-1, 7.7.3.3) by a list of what belongs to a page, with the
@@ -38,6 +42,8 @@ private:
     ObjectCopier &copier;
     DestinationCopier &destinations;
     ResourceCopier &resources;
+    /// By node and key.
+    std::map<std::pair<QPDFObjGen, std::string>, QPDFObjectHandle> handedDown;
 };
 
 } // namespace pdf

@@ -5,6 +5,7 @@
 
 #include "pdf/namecollector.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace pdf {
@@ -17,6 +18,16 @@ bool hasContents(QPDFObjectHandle stream)
     QPDFObjectHandle dictionary = stream.getDict();
     return dictionary.getKey("/Subtype").isNameAndEquals("/Form") ||
            dictionary.hasKey("/PatternType") || dictionary.hasKey("/BBox");
+}
+
+/// Whether the dictionary names more than fonts and ways to draw. Tools that take pages out often
+/// leave the images of all pages in each one's dictionary.
+bool holdsContents(QPDFObjectHandle resources)
+{
+    if (!resources.isDictionary())
+        return false;
+    return resources.hasKey("/XObject") || resources.hasKey("/Pattern") ||
+           resources.hasKey("/Properties");
 }
 
 QPDFObjectHandle dictionaryOf(QPDFObjectHandle object)
@@ -75,10 +86,14 @@ std::vector<QPDFObjectHandle> streamsOf(QPDFObjectHandle contents)
 
 } // namespace
 
-ResourceCopier::Scope ResourceCopier::scopeOf(const QPDFObjectHandle &resources, QPDFObjGen owner)
+ResourceCopier::Scope ResourceCopier::scopeOf(const QPDFObjectHandle &resources,
+                                              QPDFObjGen owner) const
 {
-    const bool isShared = resources.isIndirect();
-    return {resources, isShared ? resources.getObjGen() : owner, isShared};
+    if (!resources.isIndirect())
+        return {resources, owner, false};
+    const QPDFObjGen number = resources.getObjGen();
+    const bool isUnshared = std::binary_search(unshared.begin(), unshared.end(), number);
+    return {resources, number, !isUnshared || holdsContents(resources)};
 }
 
 void ResourceCopier::addPage(const QPDFObjectHandle &contents, const PageResources &resources,
@@ -149,7 +164,7 @@ void ResourceCopier::visit(const Contents &contents)
     QPDFObjectHandle resources = scope.resources;
     if (!resources.isDictionary())
         return;
-    if (resources.isIndirect())
+    if (resources.isIndirect() && scope.isShared)
         sharedResources.emplace(scope.owner, resources);
     std::optional<Names> names;
     bool isScanned = false;

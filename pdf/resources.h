@@ -9,6 +9,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace pdf {
@@ -17,12 +18,16 @@ namespace pdf {
 /// use, so that only those are copied: one dictionary often serves all pages and names the fonts
 /// and images of all of them.
 ///
-/// A dictionary that stands directly in its page belongs to that page alone and is copied as it is.
+/// A dictionary that belongs to copied pages alone is copied as it is.
 /// Where contents cannot be decoded, everything they could use counts as used.
 class ResourceCopier
 {
 public:
     explicit ResourceCopier(ObjectCopier &objectCopier) : copier(objectCopier) {}
+
+    /// Dictionaries that no page outside refers to, in order: as good as those in the page itself
+    /// when they name nothing but fonts and the like. To be called before anything else.
+    void setOwn(std::vector<QPDFObjGen> dictionaries) { unshared = std::move(dictionaries); }
 
     /// The resources of a page, its own or those of the page tree node that owns them.
     struct PageResources
@@ -71,7 +76,7 @@ private:
         bool isWhole = false;
     };
 
-    static Scope scopeOf(const QPDFObjectHandle &resources, QPDFObjGen owner);
+    [[nodiscard]] Scope scopeOf(const QPDFObjectHandle &resources, QPDFObjGen owner) const;
     void follow();
     void visit(const Contents &contents);
     void addAppearance(const QPDFObjectHandle &appearance, const Scope &scope);
@@ -86,6 +91,7 @@ private:
     QPDFObjectHandle usedResources(QPDFObjectHandle resources, QPDFObjGen owner);
 
     ObjectCopier &copier;
+    std::vector<QPDFObjGen> unshared;
     std::vector<Contents> waiting;
     std::set<std::pair<QPDFObjGen, QPDFObjGen>> visited;
     std::map<DictionaryId, Usage> usages;

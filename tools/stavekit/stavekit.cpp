@@ -116,11 +116,13 @@ pdf::ExitCode merge(const Request &request)
     for (const std::string &text : request.ranges)
         ranges.push_back(pdf::parsePageRange(text, document.pages().count()));
     pdf::OutputFile output(request.output);
-    pdf::assemblePages(document, pdf::pageIndexes(ranges), output);
-    output.publish();
-    // The output is in place and nothing is buffered: giving back every object of a large input one
-    // by one would only keep the caller waiting.
-    std::_Exit(static_cast<int>(pdf::ExitCode::Done));
+    pdf::assemblePages(document, pdf::pageIndexes(ranges), output, [&output] {
+        output.publish();
+        // The output is in place and nothing is buffered: giving back every object of a large input
+        // one by one would only keep the caller waiting.
+        std::_Exit(static_cast<int>(pdf::ExitCode::Done));
+    });
+    return pdf::ExitCode::Done;
 }
 
 pdf::ExitCode run(const std::vector<std::string> &arguments)
