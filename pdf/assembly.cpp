@@ -154,14 +154,19 @@ private:
     /// The header's version or the catalog's, whichever is later (ISO 32000-1, 7.7.2).
     PDFVersion documentVersion()
     {
-        PDFVersion version = document.qpdf().getVersionAsPDFVersion();
+        PDFVersion version = toVersion(document.qpdf().getPDFVersion(), PDFVersion(1, 7));
         QPDFObjectHandle stated = document.qpdf().getTrailer().getKey("/Root").getKey("/Version");
+        if (stated.isName())
+            version.updateIfGreater(toVersion(stated.getName().substr(1), version));
+        return version;
+    }
+
+    static PDFVersion toVersion(const std::string &text, const PDFVersion &otherwise)
+    {
         int major = 0;
         int minor = 0;
-        if (stated.isName() &&
-            std::sscanf(stated.getName().c_str(), "/%1d.%1d", &major, &minor) == 2)
-            version.updateIfGreater(PDFVersion(major, minor));
-        return version;
+        const bool isVersion = std::sscanf(text.c_str(), "%1d.%1d", &major, &minor) == 2;
+        return isVersion ? PDFVersion(major, minor) : otherwise;
     }
 
     Document &document;
@@ -190,7 +195,11 @@ void assemblePages(Document &document, const std::vector<int> &indexes, OutputFi
         written();
     } catch (const QPDFExc &cause) {
         throw Error(ExitCode::InputUnreadable, path + ": is damaged: " + cause.getMessageDetail());
-    } catch (const std::logic_error &cause) {
+    } catch (const Error &) {
+        throw;
+    } catch (const std::bad_alloc &) {
+        throw Error(ExitCode::InputUnreadable, path + ": needs too much memory");
+    } catch (const std::exception &cause) {
         throw Error(ExitCode::InputUnreadable, path + ": is damaged: " + cause.what());
     }
 }

@@ -32,12 +32,9 @@ std::string sizeLine(Document &document)
     return line("PageSize", text);
 }
 
-} // namespace
-
-std::string documentInfo(Document &document)
+void addFacts(std::string &result, Document &document)
 {
     QPDF &pdf = document.qpdf();
-    std::string result = line("NumberOfPages", std::to_string(document.pages().count()));
     result += line("PDFVersion", pdf.getPDFVersion());
     result += line("Encrypted", pdf.isEncrypted() ? "yes" : "no");
     QPDFObjectHandle info = pdf.getTrailer().getKey("/Info");
@@ -47,6 +44,18 @@ std::string documentInfo(Document &document)
     }
     if (document.pages().count() > 0)
         result += sizeLine(document);
+}
+
+} // namespace
+
+std::string documentInfo(Document &document)
+{
+    std::string result = line("NumberOfPages", std::to_string(document.pages().count()));
+    try {
+        addFacts(result, document);
+    } catch (const std::exception &) {
+        // Damage where the facts stand does not change how many pages there are.
+    }
     return result;
 }
 

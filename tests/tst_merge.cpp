@@ -541,6 +541,8 @@ void TestMerge::endsOnHostileFiles_data()
         "", "/Resources << /Font 5 0 R >> /Contents 6 0 R",
         {"<< >>", "<< /Filter /FlateDecode /Length " + QByteArray::number(packed.size()) +
                       " >>\nstream\n" + packed + "\nendstream"});
+    QTest::newRow("version beyond all bounds")
+        << onePage("", "", {}).replace("%PDF-1.7", "%PDF-" + QByteArray(40, '5') + ".7");
     QByteArray huge = onePage("", "", {});
     QTest::newRow("four billion objects") << huge.replace("/Size 5", "/Size 4294967295");
 }
