@@ -68,6 +68,8 @@ void writeDocuments(const SplitPlan &plan, pdf::Document &document,
     work.pageCount = count;
     work.workerCount = std::clamp(workers, 1, count);
     work.secondsPerPage = pdf::documentTimeLimitSeconds;
+    work.permissions.writableFolders = {
+        pdf::folderOf(QFile::encodeName(staging.pathOf(0)).toStdString())};
     work.startWorker = [&]() -> std::function<void(int)> {
         return [&](int index) {
             writeDocument(plan, document, documents[index],

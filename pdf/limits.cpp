@@ -11,6 +11,8 @@ namespace pdf {
 
 namespace {
 
+constexpr long long stackLimitBytes = 64LL << 20;
+
 EmergencyExit emergencyExit = nullptr;
 
 void limit(__rlimit_resource_t resource, rlim_t value)
@@ -45,6 +47,8 @@ void limitResources()
 #if !defined(__SANITIZE_ADDRESS__)
     limit(RLIMIT_DATA, static_cast<rlim_t>(memoryLimitBytes));
 #endif
+    // Where the stack is unlimited, endless recursion would take all memory before it fails.
+    limit(RLIMIT_STACK, static_cast<rlim_t>(stackLimitBytes));
     limit(RLIMIT_CORE, 0);
     std::signal(SIGXFSZ, SIG_IGN);
 }

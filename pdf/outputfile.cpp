@@ -18,14 +18,6 @@ namespace pdf {
 
 namespace {
 
-std::string folderOf(const std::string &path)
-{
-    const auto slash = path.rfind('/');
-    if (slash == std::string::npos)
-        return ".";
-    return slash == 0 ? "/" : path.substr(0, slash);
-}
-
 std::string processLink(int fd)
 {
     return "/proc/self/fd/" + std::to_string(fd);
@@ -126,6 +118,14 @@ void OutputFile::publish()
             fail();
         temporaryName.clear();
     }
+}
+
+std::string folderOf(const std::string &path)
+{
+    const auto slash = path.rfind('/');
+    if (slash == std::string::npos)
+        return ".";
+    return slash == 0 ? "/" : path.substr(0, slash);
 }
 
 void removeStaleOutput(const std::string &path)

@@ -36,6 +36,9 @@ private:
     int fd = -1;
 };
 
+/// The folder in which the path names something, "." for a bare name.
+[[nodiscard]] std::string folderOf(const std::string &path);
+
 /// Removes what an earlier run left under the name of an output, so that nobody takes it for the
 /// result of this run. Throws Error(OutputUnwritable) when something stays there.
 void removeStaleOutput(const std::string &path);

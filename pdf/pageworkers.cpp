@@ -3,12 +3,14 @@
 
 #include "pdf/pageworkers.h"
 
+#include "pdf/supervision.h"
+
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
+#include <chrono>
 #include <csignal>
 #include <cstring>
-#include <ctime>
 #include <new>
 #include <sched.h>
 #include <sys/mman.h>
@@ -22,18 +24,20 @@ namespace {
 
 constexpr int maximalWorkers = 128;
 
-long long secondsNow()
+constexpr int millisecondsPerSecond = 1000;
+
+long long millisecondsNow()
 {
-    timespec now = {};
-    ::clock_gettime(CLOCK_MONOTONIC, &now);
-    return now.tv_sec;
+    using std::chrono::milliseconds;
+    const auto now = std::chrono::steady_clock::now().time_since_epoch();
+    return std::chrono::duration_cast<milliseconds>(now).count();
 }
 
 /// What one worker is at, written by the worker.
 struct Slot
 {
     std::atomic<int> page{-1}; ///< -1 while the worker starts or ends
-    std::atomic<long long> since{0};
+    std::atomic<long long> sinceMs{0};
 };
 
 /// The state that all processes share.
@@ -124,7 +128,7 @@ private:
     {
         Slot &slot = board->slots[worker];
         slot.page = -1;
-        slot.since = secondsNow();
+        slot.sinceMs = millisecondsNow();
         const pid_t parent = ::getpid();
         const pid_t process = ::fork();
         if (process == 0)
@@ -144,13 +148,14 @@ private:
         if (::getppid() != parent)
             ::_exit(0);
         signal.restore();
+        confine(work.permissions);
         try {
             const std::function<void(int)> convert = work.startWorker();
             while (hasWork()) {
                 const int page = board->nextPage++;
                 if (page >= work.pageCount)
                     break;
-                slot.since = secondsNow();
+                slot.sinceMs = millisecondsNow();
                 slot.page = page;
                 convertOne(convert, page);
                 slot.page = -1;
@@ -195,7 +200,8 @@ private:
         if (processes[worker] <= 0)
             return;
         Slot &slot = board->slots[worker];
-        const bool isLate = secondsNow() - slot.since > work.secondsPerPage;
+        const bool isLate =
+            millisecondsNow() - slot.sinceMs > work.secondsPerPage * millisecondsPerSecond;
         if (isLate)
             ::kill(processes[worker], SIGKILL);
         int status = 0;
@@ -210,8 +216,10 @@ private:
             board->ending = WEXITSTATUS(status);
             return;
         }
-        const char *cause = isLate ? "takes too long" : "crashes the reader";
-        if (slot.page < 0)
+        const int number = WTERMSIG(status);
+        const std::string cause = isLate ? "takes too long" : causeOfEnd(number);
+        // An input that became shorter is lost for all pages.
+        if (slot.page < 0 || number == SIGBUS)
             end(ExitCode::InputUnreadable, cause);
         else
             giveUp(slot.page, cause);

@@ -5,6 +5,7 @@
 
 #include "pdf/error.h"
 #include "pdf/limits.h"
+#include "pdf/sandbox.h"
 
 #include <functional>
 #include <string>
@@ -18,6 +19,8 @@ struct PageWork
     int pageCount = 0;
     int workerCount = 1;
     int secondsPerPage = pageTimeLimitSeconds; ///< longest time one page may take
+    /// What each worker process may touch; nothing unless stated.
+    Permissions permissions;
     /// Called in each worker process once; gives the function that converts the page of an index.
     /// Both throw Error: OutputUnwritable ends the whole work, anything else gives the page up.
     std::function<std::function<void(int index)>()> startWorker;

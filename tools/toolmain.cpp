@@ -6,6 +6,7 @@
 #include "pdf/limits.h"
 
 #include <cstdio>
+#include <cstdlib>
 #include <new>
 #include <unistd.h>
 
@@ -18,6 +19,22 @@ int print(const std::string &text)
     return static_cast<int>(code);
 }
 
+/// Runs the tool and tells a failure.
+pdf::ExitCode runTool(const Tool &tool, const std::vector<std::string> &arguments)
+{
+    try {
+        return tool.run(arguments);
+    } catch (const pdf::Error &error) {
+        printFailure(tool.name, error.what());
+        return error.exitCode();
+    } catch (const std::bad_alloc &) {
+        printFailure(tool.name, "needs too much memory");
+    } catch (const std::exception &error) {
+        printFailure(tool.name, error.what());
+    }
+    return pdf::ExitCode::InputUnreadable;
+}
+
 } // namespace
 
 int toolMain(const Tool &tool, int argc, char *argv[])
@@ -28,17 +45,13 @@ int toolMain(const Tool &tool, int argc, char *argv[])
     if (arguments.size() == 1 && (arguments[0] == "-version" || arguments[0] == "--version"))
         return print(tool.name + " " SENDRIVO_VERSION "\n");
     pdf::limitResources();
-    try {
-        return static_cast<int>(tool.run(arguments));
-    } catch (const pdf::Error &error) {
-        printFailure(tool.name, error.what());
-        return static_cast<int>(error.exitCode());
-    } catch (const std::bad_alloc &) {
-        printFailure(tool.name, "needs too much memory");
-    } catch (const std::exception &error) {
-        printFailure(tool.name, error.what());
-    }
-    return static_cast<int>(pdf::ExitCode::InputUnreadable);
+    const int code = static_cast<int>(runTool(tool, arguments));
+#if !defined(__SANITIZE_ADDRESS__)
+    // Nothing is buffered. The libraries' clearing up would only keep the caller waiting; it shows
+    // leaks where they are looked for.
+    std::_Exit(code);
+#endif
+    return code;
 }
 
 void printFailure(const std::string &toolName, const std::string &cause)

@@ -5,16 +5,16 @@
 
 #include "pdf/document.h"
 #include "pdf/layoutfile.h"
-#include "pdf/limits.h"
 #include "pdf/outputfile.h"
 #include "pdf/pageranges.h"
 #include "pdf/pageworkers.h"
 #include "pdf/repairingreader.h"
+#include "pdf/sandbox.h"
+#include "pdf/supervision.h"
 #include "tools/toolmain.h"
 
 #include <algorithm>
 #include <cstdio>
-#include <cstring>
 #include <functional>
 #include <memory>
 #include <unistd.h>
@@ -119,16 +119,6 @@ void removeEarlierPages(const Request &request)
     }
 }
 
-const char *runningInput = "";
-
-void emergencyExit(const char *cause)
-{
-    for (const char *part : {"quillrend: ", runningInput, ": ", cause, "\n"}) {
-        [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, part, std::strlen(part));
-    }
-    ::_exit(static_cast<int>(pdf::ExitCode::InputUnreadable));
-}
-
 /// Converts the pages of one request in worker processes.
 class Conversion
 {
@@ -152,6 +142,7 @@ public:
         pdf::PageWork work;
         work.pageCount = count;
         work.workerCount = pdf::usefulWorkerCount(count);
+        work.permissions.writableFolders = {pdf::folderOf(request.outputStem)};
         work.startWorker = [this] { return startWorker(); };
         work.report = [this](int index, const std::string &cause) {
             const std::string page =
@@ -199,8 +190,12 @@ pdf::ExitCode convert(const Request &request)
 pdf::ExitCode run(const std::vector<std::string> &arguments)
 {
     const Request request = parse(arguments);
-    runningInput = request.input.c_str();
-    pdf::installEmergencyExit(emergencyExit);
+    const std::string folder = pdf::folderOf(request.outputStem);
+    pdf::continueInChild([&request](const std::string &cause) {
+        printFailure("quillrend", request.input + ": " + cause);
+        removeEarlierPages(request);
+    });
+    pdf::confine({{request.input}, {folder}, true});
     try {
         return convert(request);
     } catch (const pdf::Error &) {

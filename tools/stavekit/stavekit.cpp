@@ -6,16 +6,14 @@
 #include "pdf/assembly.h"
 #include "pdf/document.h"
 #include "pdf/documentinfo.h"
-#include "pdf/limits.h"
 #include "pdf/mappedfile.h"
 #include "pdf/outputfile.h"
 #include "pdf/pageranges.h"
+#include "pdf/sandbox.h"
+#include "pdf/supervision.h"
 #include "tools/toolmain.h"
 
 #include <cstdlib>
-#include <cstring>
-#include <fcntl.h>
-#include <unistd.h>
 
 namespace {
 
@@ -70,29 +68,12 @@ Request parse(const std::vector<std::string> &arguments)
     return request;
 }
 
-/// The request while it runs, for an exit from a signal handler.
-struct RunningRequest
+/// What is left to do when the process that reads the input is lost.
+void fail(const Request &request, const std::string &cause)
 {
-    const char *input = nullptr;
-    const char *infoFile = nullptr; ///< null for -merge
-};
-RunningRequest running;
-
-void writeAll(int descriptor, const char *text)
-{
-    [[maybe_unused]] const ssize_t written = ::write(descriptor, text, std::strlen(text));
-}
-
-void emergencyExit(const char *cause)
-{
-    for (const char *part : {"stavekit: ", running.input, ": ", cause, "\n"})
-        writeAll(STDERR_FILENO, part);
-    if (running.infoFile != nullptr) {
-        const int file = ::open(running.infoFile, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
-        for (const char *part : {"NumberOfPages: \nError: ", cause, "\n"})
-            writeAll(file, part);
-    }
-    ::_exit(static_cast<int>(pdf::ExitCode::InputUnreadable));
+    printFailure("stavekit", request.input + ": " + cause);
+    if (request.isInfo)
+        pdf::writeOutputFile(request.output, pdf::failureInfo(request.input + ": " + cause));
 }
 
 pdf::ExitCode getInfo(const Request &request)
@@ -131,9 +112,8 @@ pdf::ExitCode run(const std::vector<std::string> &arguments)
     if (pdf::isSameFile(request.input, request.output))
         throw pdf::Error(pdf::ExitCode::Usage, request.output + ": is the input file itself");
     pdf::removeStaleOutput(request.output);
-    running.input = request.input.c_str();
-    running.infoFile = request.isInfo ? request.output.c_str() : nullptr;
-    pdf::installEmergencyExit(emergencyExit);
+    pdf::continueInChild([&request](const std::string &cause) { fail(request, cause); });
+    pdf::confine({{request.input}, {pdf::folderOf(request.output)}});
     return request.isInfo ? getInfo(request) : merge(request);
 }
 
