@@ -11,7 +11,6 @@
 #include <linux/filter.h>
 #include <linux/seccomp.h>
 #include <sched.h>
-#include <sys/prctl.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -152,10 +151,11 @@ public:
         refuse();
         sock_fprog program = {static_cast<unsigned short>(code.size()), code.data()};
         // Without this flag, older kernels slow the process down as if it ran strangers' code.
-        if (::syscall(SYS_seccomp, SECCOMP_SET_MODE_FILTER, SECCOMP_FILTER_FLAG_SPEC_ALLOW,
-                      &program) == 0)
-            return true;
-        return ::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) == 0;
+        for (const unsigned long flags : {SECCOMP_FILTER_FLAG_SPEC_ALLOW, 0UL}) {
+            if (::syscall(SYS_seccomp, SECCOMP_SET_MODE_FILTER, flags, &program) == 0)
+                return true;
+        }
+        return false;
     }
 
 private:

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <fcntl.h>
 #include <sys/prctl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace pdf {
@@ -35,6 +36,7 @@ struct __attribute__((packed)) PathRule
 enum Right : std::uint64_t {
     WriteFile = 1 << 1,
     ReadFile = 1 << 2,
+    ReadFolder = 1 << 3,
     RemoveFile = 1 << 5,
     MakeFile = 1 << 8,
     Truncate = 1 << 14,
@@ -101,6 +103,12 @@ private:
     int ruleset = -1;
 };
 
+bool isFolder(const std::string &path)
+{
+    struct stat status = {};
+    return ::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
 } // namespace
 
 Confinement confine(const Permissions &permissions)
@@ -112,7 +120,8 @@ Confinement confine(const Permissions &permissions)
         return result;
     const Ruleset ruleset;
     for (const std::string &file : permissions.readableFiles)
-        ruleset.allow(file, ReadFile);
+        // A folder given for a file is to be told from one that may not be read.
+        ruleset.allow(file, isFolder(file) ? ReadFolder : ReadFile);
     // Some builds of qpdf take what they need for encryption from here.
     if (!permissions.writableFolders.empty())
         ruleset.allow("/dev/urandom", ReadFile);

@@ -14,6 +14,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <csignal>
+#include <functional>
 #include <sys/resource.h>
 #include <sys/stat.h>
 
@@ -40,7 +42,12 @@ private slots:
     void inputIsNeverOverwritten();
     void killedToolLeavesNothing();
     void inputCutOffWhileItIsRead();
+    void readerIsLost_data();
+    void readerIsLost();
 };
+
+/// Puts something at a path.
+using Maker = std::function<void(const QString &path)>;
 
 namespace {
 
@@ -57,6 +64,21 @@ QStringList arguments(const QString &line, const QString &folder)
     for (QString &argument : result)
         argument.replace(QStringLiteral("@"), folder);
     return result;
+}
+
+/// Starts the tool that does the work on all of in.pdf in the folder.
+void start(QProcess &process, const QString &work, const QString &folder)
+{
+    const QString tools = QCoreApplication::applicationDirPath();
+    const QString input = folder + "/in.pdf";
+    const QString output = folder + "/out.pdf";
+    if (work == QLatin1String("-htmlformat"))
+        process.start(tools + "/quillrend", {work, input, folder + "/split.xml"});
+    else if (work == QLatin1String("-merge"))
+        process.start(tools + "/stavekit", {input, work, "1-3000", "-outfile", output});
+    else
+        process.start(tools + "/stavekit", {input, work, "-outfile", output});
+    QVERIFY(process.waitForStarted());
 }
 
 QStringList filesIn(const QString &folder)
@@ -126,29 +148,47 @@ void TestTools::usage()
 
 void TestTools::badInputs_data()
 {
-    QTest::addColumn<QByteArray>("bytes"); // null: no such file
+    QTest::addColumn<Maker>("make");
     QTest::addColumn<int>("exitCode");
-    const QByteArray sound = threePages();
-    QTest::newRow("missing") << QByteArray() << 3;
-    QTest::newRow("empty") << QByteArray("") << 3;
-    QTest::newRow("text") << QByteArray("This is not a PDF file.\n") << 3;
-    QTest::newRow("header only") << QByteArray("%PDF-1.7\n") << 3;
-    QTest::newRow("objects without catalog")
-        << QByteArray("%PDF-1.7\n1 0 obj\n<< /A 1 >>\nendobj\ntrailer\n<< /Size 2 >>\n") << 3;
-    QTest::newRow("needs a password")
-        << pdfobjects::encrypted(sound, "user", "owner", pdfobjects::Assembling::Allowed) << 6;
+    QTest::addColumn<QByteArray>("cause");
+    const auto row = [](const char *name, const Maker &make, int exitCode, const char *cause) {
+        QTest::newRow(name) << make << exitCode << QByteArray(cause);
+    };
+    const auto file = [](const QByteArray &bytes) -> Maker {
+        return [bytes](const QString &path) { writeFile(path, bytes); };
+    };
+    const auto unreadable = [](const QString &path) {
+        writeFile(path, threePages());
+        QFile::setPermissions(path, {});
+    };
+    const auto pipe = [](const QString &path) { ::mkfifo(qPrintable(path), 0600); };
+    row(
+        "missing", [](const QString &) {}, 3, "No such file");
+    row(
+        "folder", [](const QString &path) { QDir().mkdir(path); }, 3, "is a folder");
+    row("named pipe", pipe, 3, "is not a regular file");
+    row("unreadable", unreadable, 3, "Permission denied");
+    row("empty", file(""), 3, "is empty");
+    row("text", file("This is not a PDF file.\n"), 3, "is not a PDF file");
+    row("header only", file("%PDF-1.7\n"), 3, "is damaged");
+    row("objects without catalog",
+        file("%PDF-1.7\n1 0 obj\n<< /A 1 >>\nendobj\ntrailer\n<< /Size 2 >>\n"), 3, "is damaged");
+    row("needs a password",
+        file(pdfobjects::encrypted(threePages(), "user", "owner", pdfobjects::Assembling::Allowed)),
+        6, "needs a password");
 }
 
 void TestTools::badInputs()
 {
-    QFETCH(QByteArray, bytes);
+    QFETCH(Maker, make);
     QFETCH(int, exitCode);
+    QFETCH(QByteArray, cause);
     const QTemporaryDir folder;
     const QString input = folder.filePath("in.pdf");
-    if (!bytes.isNull())
-        writeFile(input, bytes);
+    make(input);
     const auto isOneLine = [&](const ToolResult &result) {
-        return result.errors.count('\n') == 1 && result.errors.contains(input.toUtf8());
+        return result.errors.count('\n') == 1 &&
+               result.errors.contains(input.toUtf8() + ": " + cause);
     };
 
     writeFile(folder.filePath("out.pdf"), stale);
@@ -180,6 +220,7 @@ void TestTools::unwritableOutputs_data()
     QTest::newRow("no such folder") << "/missing/out.pdf";
     QTest::newRow("name of a folder") << "/folder";
     QTest::newRow("name too long") << QString("/" + QString(300, QLatin1Char('n')));
+    QTest::newRow("folder that may not be written") << "/closed/out.pdf";
     QTest::newRow("file as folder") << "/in.pdf/out.pdf";
 }
 
@@ -189,6 +230,7 @@ void TestTools::unwritableOutputs()
     const QTemporaryDir folder;
     writeFile(folder.filePath("in.pdf"), threePages());
     QDir(folder.path()).mkdir("folder");
+    QDir(folder.path()).mkdir("closed", QFile::ReadOwner | QFile::ExeOwner);
     const QString input = folder.filePath("in.pdf");
     for (const QStringList &work : {QStringList{input, "-merge", "1", "-outfile"},
                                     QStringList{input, "-getinfo", "-outfile"}}) {
@@ -221,10 +263,15 @@ void TestTools::fullDisk()
     setrlimit(RLIMIT_FSIZE, &small);
     const ToolResult merged = mergePages(input, "1-3", folder.filePath("out.pdf"));
     const ToolResult converted = convertPages(input, folder.path());
+    small.rlim_cur = 20;
+    setrlimit(RLIMIT_FSIZE, &small);
+    const ToolResult described =
+        runTool("stavekit", {input, "-getinfo", "-outfile", folder.filePath("info.txt")});
     setrlimit(RLIMIT_FSIZE, &before);
-    QCOMPARE(merged.exitCode, 5);
-    QCOMPARE(converted.exitCode, 5);
-    QCOMPARE(converted.errors.count('\n'), 1);
+    for (const ToolResult &result : {merged, converted, described}) {
+        QCOMPARE(result.exitCode, 5);
+        QCOMPARE(result.errors.count('\n'), 1);
+    }
     QCOMPARE(filesIn(folder.path()), QStringList("in.pdf"));
 }
 
@@ -372,7 +419,7 @@ void TestTools::killedToolLeavesNothing()
     writeFile(input, simplePdf(contents));
     const QString output = folder.filePath("out.pdf");
     QRandomGenerator random(1);
-    for (int round = 0; round < 100; ++round) {
+    for (int round = 0; round < 60; ++round) {
         QProcess process;
         process.start(QCoreApplication::applicationDirPath() + "/stavekit",
                       {input, "-merge", "1-2000", "-outfile", output});
@@ -392,16 +439,15 @@ void TestTools::inputCutOffWhileItIsRead()
 {
     const QTemporaryDir folder;
     const QString input = folder.filePath("in.pdf");
-    const QString output = folder.filePath("out.pdf");
     const QByteArray bytes = simplePdf(QByteArrayList(3000, showText(20, 100, "page")));
     QRandomGenerator random(1);
-    for (int round = 0; round < 20; ++round) {
+    for (int round = 0; round < 24; ++round) {
+        const bool isMerge = round % 2 == 0;
+        const QString output = folder.filePath(isMerge ? "out.pdf" : "split_pg_0001.htm");
         writeFile(input, bytes);
         QProcess process;
-        process.start(QCoreApplication::applicationDirPath() + "/stavekit",
-                      {input, "-merge", "1-3000", "-outfile", output});
-        QVERIFY(process.waitForStarted());
-        process.waitForFinished(random.bounded(60));
+        start(process, isMerge ? "-merge" : "-htmlformat", folder.path());
+        process.waitForFinished(random.bounded(isMerge ? 60 : 150));
         QFile::resize(input, 5000);
         QVERIFY(process.waitForFinished());
         QCOMPARE(process.exitStatus(), QProcess::NormalExit);
@@ -409,10 +455,62 @@ void TestTools::inputCutOffWhileItIsRead()
         // file of fewer pages or none.
         const bool isWritten = process.exitCode() == 0;
         QCOMPARE(QFile::exists(output), isWritten);
-        if (isWritten)
+        if (isWritten && isMerge)
             QCOMPARE(pdfreader::pageCount(output), 3000);
         QCOMPARE(process.readAllStandardError().count('\n'), isWritten ? 0 : 1);
+        for (const QString &file : filesIn(folder.path()))
+            QFile::remove(folder.filePath(file));
     }
+}
+
+void TestTools::readerIsLost_data()
+{
+    QTest::addColumn<QString>("work");
+    QTest::addColumn<int>("number");
+    QTest::addColumn<QByteArray>("cause");
+    for (const char *work : {"-merge", "-htmlformat", "-getinfo"}) {
+        const auto row = [work](const char *name, int number, const char *cause) {
+            QTest::addRow("%s %s", work, name) << QString(work) << number << QByteArray(cause);
+        };
+        row("crashes", SIGSEGV, "crashes the reader");
+        row("exceeds its time", SIGPROF, "takes too long to read, given up");
+        row("is killed", SIGKILL, "was stopped from outside while it was read");
+    }
+}
+
+void TestTools::readerIsLost()
+{
+    QFETCH(QString, work);
+    QFETCH(int, number);
+    QFETCH(QByteArray, cause);
+    const QTemporaryDir folder;
+    const QString input = folder.filePath("in.pdf");
+    // Damaged and long, so that it is still being read when the signal comes.
+    QByteArray bytes = simplePdf(QByteArrayList(8000, showText(20, 100, "page")));
+    writeFile(input, bytes.replace("startxref", "startxxxx"));
+    if (work == QLatin1String("-htmlformat"))
+        writeFile(layoutPath(folder.path(), 1), stale);
+    QProcess process;
+    start(process, work, folder.path());
+    const auto children = [pid = process.processId()] {
+        return readFile(QStringLiteral("/proc/%1/task/%1/children").arg(pid)).trimmed();
+    };
+    QTRY_VERIFY(!children().isEmpty());
+#if !defined(__SANITIZE_ADDRESS__)
+    if (readFile("/proc/self/status").contains("Seccomp:"))
+        QTRY_VERIFY(readFile("/proc/" + children() + "/status").contains("Seccomp:\t2"));
+#endif
+    ::kill(children().toInt(), number);
+    QVERIFY(process.waitForFinished());
+    QCOMPARE(process.exitCode(), 3);
+    const QByteArray line = input.toUtf8() + ": " + cause + '\n';
+    const QByteArray errors = process.readAllStandardError();
+    QVERIFY2(errors.endsWith(": " + line) && errors.count('\n') == 1, errors);
+    if (work == QLatin1String("-getinfo")) {
+        QCOMPARE(readFile(folder.filePath("out.pdf")), "NumberOfPages: \nError: " + line);
+        QFile::remove(folder.filePath("out.pdf"));
+    }
+    QCOMPARE(filesIn(folder.path()), QStringList("in.pdf"));
 }
 
 SENDRIVO_TEST_MAIN(TestTools, QCoreApplication)

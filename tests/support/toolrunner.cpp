@@ -7,9 +7,17 @@
 #include <QFile>
 #include <QProcess>
 
+#include <linux/capability.h>
+#include <sys/prctl.h>
+
 ToolResult runTool(const QString &name, const QStringList &arguments, int timeoutMs)
 {
     QProcess process;
+    // Without the privileges to pass all permissions, so that root sees what others see.
+    process.setChildProcessModifier([] {
+        ::prctl(PR_CAPBSET_DROP, CAP_DAC_OVERRIDE);
+        ::prctl(PR_CAPBSET_DROP, CAP_DAC_READ_SEARCH);
+    });
     process.start(QCoreApplication::applicationDirPath() + QLatin1Char('/') + name, arguments);
     ToolResult result;
     if (!process.waitForFinished(timeoutMs)) {
