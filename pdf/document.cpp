@@ -5,6 +5,7 @@
 
 #include "pdf/error.h"
 #include "pdf/referencetable.h"
+#include "pdf/salvage.h"
 #include "pdf/twopartinput.h"
 
 #include <new>
@@ -28,7 +29,7 @@ Error openError(const MappedFile &input, const QPDFExc &cause)
 
 } // namespace
 
-Document::Document(const std::string &path) : input(path), pdf(QPDF::create())
+Document::Document(const std::string &path) : input(path)
 {
     try {
         open();
@@ -45,17 +46,41 @@ Document::Document(const std::string &path) : input(path), pdf(QPDF::create())
 
 void Document::open()
 {
+    try {
+        read(input.bytes());
+    } catch (const QPDFExc &cause) {
+        if (cause.getErrorCode() != qpdf_e_damaged_pdf || !salvage())
+            throw;
+    }
+    if (hadWarnings && pageList.pages.empty() && !salvage())
+        throw Error(ExitCode::InputUnreadable, input.path() + ": is damaged: it has no pages");
+}
+
+void Document::read(std::string_view bytes)
+{
+    pdf = QPDF::create();
     pdf->setSuppressWarnings(true);
-    const std::string_view bytes = input.bytes();
     pdf->processInputSource(
         std::make_shared<TwoPartInput>(input.path(), bytes, referenceStreamFor(bytes)), "");
-    bytesOfObjects = std::make_unique<ObjectBytes>(*pdf, bytes);
+    if (!salvaged.empty())
+        findLostObjects(*pdf);
+    bytesOfObjects =
+        std::make_unique<ObjectBytes>(*pdf, salvaged.empty() ? bytes : std::string_view());
     pageList = readPageList(*pdf, *bytesOfObjects);
-    hadWarnings = pdf->anyWarnings();
+    hadWarnings = !salvaged.empty() || pdf->anyWarnings();
     if (hadWarnings)
         bytesOfObjects = std::make_unique<ObjectBytes>(*pdf, std::string_view());
-    if (hadWarnings && pageList.pages.empty())
-        throw Error(ExitCode::InputUnreadable, input.path() + ": is damaged: it has no pages");
+}
+
+bool Document::salvage()
+{
+    if (!salvaged.empty())
+        return false;
+    salvaged = salvagedFile(input.bytes());
+    if (salvaged.empty())
+        return false;
+    read(salvaged);
+    return !pageList.pages.empty();
 }
 
 bool Document::mayAssemble()

@@ -37,8 +37,12 @@ public:
 
 private:
     void open();
+    void read(std::string_view bytes);
+    /// Tries again with what looks like objects; whether this gives pages.
+    bool salvage();
 
     MappedFile input;
+    std::string salvaged; ///< stands for the input's bytes unless empty
     std::shared_ptr<QPDF> pdf;
     std::unique_ptr<ObjectBytes> bytesOfObjects;
     PageList pageList;

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "tests/support/pdfbuilder.h"
+#include "tests/support/pdfobjects.h"
 #include "tests/support/pdfreader.h"
 #include "tests/support/privatefolders.h"
 #include "tests/support/toolrunner.h"
@@ -156,6 +157,14 @@ void TestPageList::allOperationsAgree_data()
         << sound.left(sound.indexOf("xref\n0 ")) + "trailer << /Root " +
                PdfBuilder::ref(sound.count(" 0 obj")) + " >>"
         << "ABCDE";
+    const QByteArray objects = sound.left(sound.indexOf("xref\n0 "));
+    QTest::newRow("table and trailer lost") << objects << "ABCDE";
+    QTest::newRow("object changed, table and trailer lost")
+        << objects + "1 0 obj\n<< /Type /Pages /Kids [ 3 0 R ] >>\nendobj\n"
+        << "CD";
+    QTest::newRow("trailer cut off") << sound.left(sound.indexOf("trailer") + 20) << "ABCDE";
+    QTest::newRow("object streams, their table lost")
+        << pdfobjects::withObjectStreams(sound).replace("/XRef", "/Xxxx") << "ABCDE";
     QTest::newRow("catalog without page tree")
         << QByteArray(sound).replace("/Catalog /Pages", "/Catalog /Nodes") << "ABCDE";
 }

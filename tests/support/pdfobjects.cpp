@@ -6,6 +6,7 @@
 #include <QFile>
 #include <QStringList>
 
+#include <functional>
 #include <qpdf/QPDF.hh>
 #include <qpdf/QPDFNameTreeObjectHelper.hh>
 #include <qpdf/QPDFNumberTreeObjectHelper.hh>
@@ -182,25 +183,42 @@ QString structureFaults(const QString &file)
     return faults;
 }
 
-QByteArray encrypted(const QByteArray &pdf, const char *userPassword, const char *ownerPassword,
-                     Assembling assembling, int revision)
+namespace {
+
+/// The file as qpdf writes it.
+QByteArray rewritten(const QByteArray &pdf, const std::function<void(QPDFWriter &)> &set)
 {
-    const bool mayAssemble = assembling == Assembling::Allowed;
     QPDF input;
     input.processMemoryFile("input", pdf.constData(), static_cast<std::size_t>(pdf.size()));
     QPDFWriter writer(input);
     writer.setOutputMemory();
-    if (revision == 4)
-        writer.setR4EncryptionParametersInsecure(userPassword, ownerPassword, true, true,
-                                                 mayAssemble, true, true, true, qpdf_r3p_full, true,
-                                                 true);
-    else
-        writer.setR6EncryptionParameters(userPassword, ownerPassword, true, true, mayAssemble, true,
-                                         true, true, qpdf_r3p_full, true);
+    set(writer);
     writer.write();
     const std::shared_ptr<Buffer> output = writer.getBufferSharedPointer();
     return {reinterpret_cast<const char *>(output->getBuffer()),
             static_cast<qsizetype>(output->getSize())};
+}
+
+} // namespace
+
+QByteArray encrypted(const QByteArray &pdf, const char *userPassword, const char *ownerPassword,
+                     Assembling assembling, int revision)
+{
+    const bool mayAssemble = assembling == Assembling::Allowed;
+    return rewritten(pdf, [&](QPDFWriter &writer) {
+        if (revision == 4)
+            writer.setR4EncryptionParametersInsecure(userPassword, ownerPassword, true, true,
+                                                     mayAssemble, true, true, true, qpdf_r3p_full,
+                                                     true, true);
+        else
+            writer.setR6EncryptionParameters(userPassword, ownerPassword, true, true, mayAssemble,
+                                             true, true, true, qpdf_r3p_full, true);
+    });
+}
+
+QByteArray withObjectStreams(const QByteArray &pdf)
+{
+    return rewritten(pdf, [](QPDFWriter &writer) { writer.setObjectStreamMode(qpdf_o_generate); });
 }
 
 bool isEncryptedWith(const QString &file, Assembling assembling)

@@ -43,6 +43,9 @@ enum class Assembling { Allowed, Forbidden };
                                    const char *ownerPassword, Assembling assembling,
                                    int revision = 6);
 
+/// The file with its dictionaries in object streams and its table of offsets in a stream, too.
+[[nodiscard]] QByteArray withObjectStreams(const QByteArray &pdf);
+
 /// Whether the file is encrypted, opens without a password and forbids or allows assembling.
 [[nodiscard]] bool isEncryptedWith(const QString &file, Assembling assembling);
 
