@@ -16,6 +16,9 @@
 #include <cstdlib>
 #include <cstring>
 #include <langinfo.h>
+#if defined(__GLIBC__)
+#include <malloc.h>
+#endif
 #include <unistd.h>
 
 namespace {
@@ -26,6 +29,18 @@ void useUtf8()
     std::setlocale(LC_ALL, "");
     if (std::strcmp(::nl_langinfo(CODESET), "UTF-8") != 0)
         ::setenv("LC_ALL", "C.UTF-8", 1);
+}
+
+/// Pages and documents free all that they take. Memory that goes back to the system each time and
+/// comes again as fresh, zeroed pages costs a twentieth of the whole run.
+void keepFreedMemory()
+{
+#if defined(__GLIBC__)
+    constexpr int mebibyte = 1 << 20;
+    ::mallopt(M_TRIM_THRESHOLD, 64 * mebibyte);
+    ::mallopt(M_MMAP_THRESHOLD, 32 * mebibyte);
+    ::mallopt(M_TOP_PAD, mebibyte);
+#endif
 }
 
 void emergencyExit(const char *cause)
@@ -67,6 +82,7 @@ pdf::ExitCode run(const BatchOptions &options)
 int runBatch(int argc, char *argv[])
 {
     useUtf8();
+    keepFreedMemory();
     const QCoreApplication application(argc, argv);
     pdf::limitResources();
     try {
