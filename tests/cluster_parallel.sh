@@ -2,12 +2,13 @@
 # SPDX-FileCopyrightText: 2026 The Sendrivo authors
 # SPDX-License-Identifier: GPL-3.0-or-later
 #
-# The GNU parallel recipe of docs/scale.md with calls that are killed in the middle: afterwards there
-# is every document once, whole, and nothing else.
-# usage: cluster_parallel.sh SENDRIVO_BATCH SAMPLE_FOLDER
+# The GNU parallel recipe as it stands in docs/scale.md, on this host, with calls that are killed in
+# the middle: afterwards there is every document once, whole, and nothing else.
+# usage: cluster_parallel.sh SENDRIVO_BATCH SAMPLE_FOLDER SCALE_MD
 set -eu
 batch=$1
 sample=$2
+recipe=$3
 command -v parallel >/dev/null || { echo "GNU parallel is missing"; exit 77; }
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
@@ -15,10 +16,13 @@ mkdir "$work/in" "$work/out" "$work/reports" "$work/expected"
 for i in $(seq 60); do cp "$sample/invoices.pdf" "$work/in/file$i.pdf"; done
 find "$work/in" -name '*.pdf' | sort > "$work/list"
 
+# The recipe for this host: other paths and numbers.
+awk '/^## / { isParallel = /parallel/ } isParallel && sub(/^    /, "")' "$recipe" |
+    sed -e "s|/data/setting.ini|$sample/setting.ini|; s|/data/|$work/|g; s|'sendrivo-batch|'$batch --jobs 1|" \
+        -e 's/--sshlogin host1,host2 --jobs 1 -N 50/--will-cite --jobs 2 -N 10/' >"$work/recipe"
+grep -q -- '--will-cite --jobs 2 -N 10' "$work/recipe"
 run() {
-    parallel --will-cite --jobs 2 -N 10 --pipe --retries 3 \
-        "$batch --settings '$sample/setting.ini' --rule 'Invoice number' --output '$work/out' \
-             --report '$work/reports/{#}.jsonl' --resume --quiet --jobs 1 -" < "$work/list"
+    sh "$work/recipe"
 }
 # Kill the calls without warning while they work.
 run & running=$!
