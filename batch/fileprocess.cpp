@@ -119,7 +119,7 @@ FileResult FileProcess::result() const
 void FileProcess::stop() const
 {
     if (process > 0)
-        ::kill(process, SIGTERM);
+        ::kill(process, StopSignals::forInputs);
 }
 
 /// The processes of the input hold its staging folder until the last of them has ended, a moment

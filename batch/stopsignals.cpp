@@ -61,7 +61,7 @@ int StopSignals::take()
 
 void StopSignals::handOver()
 {
-    handle(SIGTERM, SIG_DFL);
-    handle(SIGINT, SIG_IGN);
-    handle(SIGHUP, SIG_IGN);
+    for (const int number : numbers)
+        handle(number, SIG_IGN);
+    handle(forInputs, SIG_DFL);
 }

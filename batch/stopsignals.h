@@ -20,8 +20,11 @@ public:
     [[nodiscard]] int descriptor() const;
     /// The first signal that came, 0 when none has. Empties the descriptor.
     int take();
-    /// In a fork: SIGTERM ends it again, the signals of a terminal are left to the first process.
+    /// In a fork: leaves the signals to the first process, which ends the fork with `forInputs`.
+    /// Terminals and job schedulers signal all processes at once, and an input's process that ended
+    /// before the first one knew why would be taken for one that crashed.
     static void handOver();
+    static constexpr int forInputs = SIGUSR1;
 
     static constexpr std::array<int, 3> numbers = {SIGHUP, SIGINT, SIGTERM};
 };

@@ -5,21 +5,16 @@
 #include "pdf/repairingreader.h"
 #include "rules/rulestore.h"
 #include "rules/settingsfile.h"
+#include "tests/support/batchrunner.h"
 #include "tests/support/pdfbuilder.h"
-#include "tests/support/pdfreader.h"
 #include "tests/support/privatefolders.h"
 #include "tests/support/samplepdf.h"
-#include "tests/support/toolrunner.h"
-#include "tests/support/windowdriver.h"
+#include "tests/support/windowcomparison.h"
 
 #include <QApplication>
-#include <QComboBox>
 #include <QDir>
-#include <QDirIterator>
 #include <QJsonArray>
-#include <QJsonDocument>
 #include <QJsonObject>
-#include <QProcess>
 #include <QRegularExpression>
 #include <QSet>
 #include <QSettings>
@@ -34,41 +29,9 @@ namespace {
 const QList<SampleInvoice> invoices = {
     {"20/1/7", "Alder & <b>", 2}, {"INV-2", "Cobalt", 3, true}, {"INV-3", "Alder & <b>", 1}};
 
-ToolResult batch(const QStringList &arguments)
-{
-    return runTool("sendrivo-batch", arguments);
-}
-
 QString path(const QString &name)
 {
     return QDir::current().filePath(name);
-}
-
-/// All files below a folder, hidden ones included, with their bytes.
-QMap<QString, QByteArray> filesIn(const QString &folder)
-{
-    QMap<QString, QByteArray> files;
-    QDirIterator walk(folder, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
-    while (walk.hasNext()) {
-        const QString file = walk.next();
-        files.insert(QDir(folder).relativeFilePath(file), readFile(file));
-    }
-    return files;
-}
-
-QStringList namesIn(const QString &folder)
-{
-    return filesIn(folder).keys();
-}
-
-QList<QJsonObject> reportLines(const QString &file)
-{
-    QList<QJsonObject> lines;
-    for (const QByteArray &line : readFile(file).split('\n')) {
-        if (!line.isEmpty())
-            lines.append(QJsonDocument::fromJson(line).object());
-    }
-    return lines;
 }
 
 } // namespace
@@ -93,8 +56,7 @@ private slots:
         QVERIFY(writeSamplePdf(path("in.pdf"), invoices));
         const ToolResult listed = batch({"--fragments", "1", "--json", path("in.pdf")});
         QCOMPARE(listed.exitCode, 0);
-        for (const QByteArray &line : listed.output.split('\n')) {
-            const QJsonObject fragment = QJsonDocument::fromJson(line).object();
+        for (const QJsonObject &fragment : jsonLines(listed.output)) {
             const QString text = fragment["text"].toString();
             const QString place =
                 QString("%1,%2").arg(fragment["left"].toInt()).arg(fragment["top"].toInt());
@@ -140,25 +102,7 @@ private slots:
         QVERIFY(writeSamplePdf(inputs[2], invoices, SampleLayout::Rotated90));
         encryptSamplePdf(inputs[0], inputs[3], {});
         writeFile(inputs[4], simplePdf({"0 0 m 9 9 l S", "0 0 m 9 9 l S"}));
-        const QTemporaryDir fromWindow;
-        WindowDriver driver;
-        QVERIFY(driver.add(inputs));
-        driver.widget<QComboBox>("comboBox_rule")->setCurrentText(rule);
-        driver.widget<QComboBox>("comboBox_method")->setCurrentIndex(method);
-        driver.setOutputFolder(fromWindow.path());
-        QVERIFY(driver.split());
-
-        const ToolResult result =
-            batch(splitArguments({"--method", QString::number(method + 1)}, rule) + inputs);
-        QCOMPARE(result.exitCode, 0);
-        QVERIFY(result.errors.contains("scan.pdf: no text layer"));
-        QMap<QString, QByteArray> expected = filesIn(fromWindow.path());
-        QMap<QString, QByteArray> found = filesIn(output->path());
-        QCOMPARE(found.keys(), expected.keys());
-        for (const QString &name : expected.keys()) {
-            if (!name.startsWith("open/")) // encryption is different each time
-                QVERIFY2(found[name] == expected[name], qPrintable(name));
-        }
+        QCOMPARE(differenceFromWindow(inputs, rule, method, output->path()), QString());
     }
 
     /// Help, manual page and completion name the same options.
@@ -213,9 +157,8 @@ private slots:
             return showText(x, y, "here") + showText(x + 60, y, "far");
         };
         writeFile(path("jitter.pdf"), simplePdf({page(30, 100), page(31.5, 98.5), page(36, 100)}));
-        const QByteArray line =
-            batch({"--fragments", "1", "--json", path("jitter.pdf")}).output.split('\n').value(0);
-        const QJsonObject first = QJsonDocument::fromJson(line).object();
+        const QJsonObject first =
+            jsonLines(batch({"--fragments", "1", "--json", path("jitter.pdf")}).output).value(0);
         const QString place = QString("%1,%2").arg(first["left"].toInt()).arg(first["top"].toInt());
         const auto found = [&](const QString &px) {
             return batch({"--position", place, "--tolerance", px, "--method", "2", "--dry-run",
@@ -358,7 +301,7 @@ private slots:
             {"--report", report, "--resume", "--files-from", path("list"), path("bad.pdf")});
         QCOMPARE(batch(arguments).exitCode, 4);
         QMap<QString, QJsonObject> entries;
-        for (const QJsonObject &entry : reportLines(report))
+        for (const QJsonObject &entry : jsonLines(readFile(report)))
             entries.insert(QFileInfo(entry["input"].toString()).fileName(), entry);
         QCOMPARE(entries.keys(), QStringList({"bad.pdf", "in.pdf", "line\nfeed.pdf"}));
         const QJsonObject good = entries["in.pdf"];
@@ -383,33 +326,7 @@ private slots:
         cut.close();
         QCOMPARE(batch(arguments).exitCode, 4);
         QVERIFY(QFile::exists(second));
-        QCOMPARE(reportLines(report).size(), 3 + 1 + 2);
-    }
-
-    /// SIGTERM ends the run, leaves no half file, and a further run completes it.
-    void stopped()
-    {
-        QList<SampleInvoice> many;
-        for (int k = 0; k < 150; ++k)
-            many.append({QString("N%1").arg(k), "C", 2});
-        QVERIFY(writeSamplePdf(path("many.pdf"), many));
-        QStringList arguments = splitArguments({"--jobs", "1", "--report", output->filePath("r")});
-        for (int k = 0; k < 6; ++k) {
-            QFile::copy(path("many.pdf"), path(QString("many%1.pdf").arg(k)));
-            arguments.append(path(QString("many%1.pdf").arg(k)));
-        }
-        QProcess process;
-        process.start(QCoreApplication::applicationDirPath() + "/sendrivo-batch", arguments);
-        QVERIFY(process.waitForReadyRead(60000)); // the first file is done
-        process.terminate();
-        QVERIFY(process.waitForFinished(60000));
-        QCOMPARE(process.exitStatus(), QProcess::CrashExit);
-        const qsizetype done = reportLines(output->filePath("r")).size();
-        QVERIFY(done >= 1 && done < 6);
-        QCOMPARE(namesIn(output->path()).size(), done * 150 + 1);
-        QCOMPARE(batch(arguments + QStringList{"--resume"}).exitCode, 0);
-        QCOMPARE(reportLines(output->filePath("r")).size(), 6);
-        QCOMPARE(namesIn(output->path()).size(), 6 * 150 + 1);
+        QCOMPARE(jsonLines(readFile(report)).size(), 3 + 1 + 2);
     }
 };
 
