@@ -11,7 +11,8 @@ namespace pdf {
 
 /// A whole input file mapped read-only, so that a tool that needs five pages of a large file reads
 /// only what it touches. The mapping stays valid when the file is renamed or removed meanwhile;
-/// a file that gets shorter while it is read ends the process through guardAgainstShrinkingInput().
+/// a file that gets shorter while it is read ends the process with SIGBUS, which the process that
+/// waits for it reports (pdf/supervision.h).
 class MappedFile
 {
 public:

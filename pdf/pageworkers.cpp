@@ -24,7 +24,7 @@ namespace {
 
 constexpr int maximalWorkers = 128;
 
-constexpr int millisecondsPerSecond = 1000;
+constexpr long long millisecondsPerSecond = 1000;
 
 long long millisecondsNow()
 {
