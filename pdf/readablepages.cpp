@@ -37,9 +37,20 @@ void flattenPageTree(QPDF &pdf, const PageList &list)
     catalog.replaceKey("/Pages", node);
 }
 
+/// The writer takes an /ID for the two strings that it is in a sound file.
+void removeOddId(QPDF &pdf)
+{
+    QPDFObjectHandle trailer = pdf.getTrailer();
+    QPDFObjectHandle id = trailer.getKey("/ID");
+    if (!id.isArray() || id.getArrayNItems() != 2 || !id.getArrayItem(0).isString() ||
+        !id.getArrayItem(1).isString())
+        trailer.removeKey("/ID");
+}
+
 std::string soundCopy(Document &document)
 {
     flattenPageTree(document.qpdf(), document.pages());
+    removeOddId(document.qpdf());
     std::string result;
     Pl_String output("copy", nullptr, result);
     QPDFWriter writer(document.qpdf());

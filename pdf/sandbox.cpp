@@ -15,6 +15,12 @@ namespace pdf {
 
 namespace {
 
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool hasSanitizers = true;
+#else
+constexpr bool hasSanitizers = false;
+#endif
+
 // Landlock's interface as the kernel documents it (Documentation/userspace-api/landlock.rst). It is
 // stated here because headers are often older than the kernel that runs.
 constexpr unsigned askForVersion = 1;
@@ -114,9 +120,8 @@ bool isFolder(const std::string &path)
 Confinement confine(const Permissions &permissions)
 {
     Confinement result;
-#if !defined(__SANITIZE_ADDRESS__)
     // Both need the promise that no program started from here gains rights.
-    if (::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0)
+    if (hasSanitizers || ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0)
         return result;
     const Ruleset ruleset;
     for (const std::string &file : permissions.readableFiles)
@@ -129,9 +134,6 @@ Confinement confine(const Permissions &permissions)
         ruleset.allow(folder, ReadFile | WriteFile | RemoveFile | MakeFile | Truncate);
     result.limitsPaths = ruleset.enforce();
     result.limitsCalls = filterCalls(permissions);
-#else
-    static_cast<void>(permissions);
-#endif
     return result;
 }
 

@@ -162,6 +162,11 @@ void TestPageList::allOperationsAgree_data()
     QTest::newRow("object changed, table and trailer lost")
         << objects + "1 0 obj\n<< /Type /Pages /Kids [ 3 0 R ] >>\nendobj\n"
         << "CD";
+    QTest::newRow("identifiers are no strings")
+        << QByteArray(sound)
+               .replace("trailer\n<< ", "trailer\n<< /ID [ null ] ")
+               .replace("startxref", "startxxxx")
+        << "ABCDE";
     QTest::newRow("trailer cut off") << sound.left(sound.indexOf("trailer") + 20) << "ABCDE";
     QTest::newRow("object streams, their table lost")
         << pdfobjects::withObjectStreams(sound).replace("/XRef", "/Xxxx") << "ABCDE";
