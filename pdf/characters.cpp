@@ -118,6 +118,43 @@ bool isMark(char32_t c)
     return c >= 0x300 && ucdn_get_combining_class(c) != 0;
 }
 
+char32_t markOfAccent(char32_t c)
+{
+    if (c < 0x80 && c != '`')
+        return 0;
+    switch (c) {
+    case '`':
+        return 0x300;
+    case 0xB4:
+        return 0x301;
+    case 0x2C6:
+        return 0x302;
+    case 0x2DC:
+        return 0x303;
+    case 0xAF:
+    case 0x2C9:
+        return 0x304;
+    case 0x2D8:
+        return 0x306;
+    case 0x2D9:
+        return 0x307;
+    case 0xA8:
+        return 0x308;
+    case 0x2DA:
+        return 0x30A;
+    case 0x2DD:
+        return 0x30B;
+    case 0x2C7:
+        return 0x30C;
+    case 0xB8:
+        return 0x327;
+    case 0x2DB:
+        return 0x328;
+    default:
+        return 0;
+    }
+}
+
 bool isBlank(char32_t c)
 {
     return c == ' ' || (c >= 0x09 && c <= 0x0D) || c == 0x85 || c == 0xA0 || c == 0x1680 ||
@@ -143,6 +180,11 @@ std::string readableText(const std::vector<char32_t> &characters)
     }
     std::u32string text;
     for (const char32_t c : characters) {
+        // Under an accent the dot of an i is left out, which is no other letter.
+        constexpr char32_t dotlessI = 0x131;
+        constexpr char32_t dotlessJ = 0x237;
+        if (isMark(c) && !text.empty() && (text.back() == dotlessI || text.back() == dotlessJ))
+            text.back() = text.back() == dotlessI ? U'i' : U'j';
         if (isPresentationForm(c))
             appendLetters(text, c);
         else

@@ -18,6 +18,10 @@ namespace pdf {
 /// Whether the character is drawn onto the letter before it (an accent, a vowel point).
 [[nodiscard]] bool isMark(char32_t character);
 
+/// The mark (see isMark) that looks like the character, an accent standing alone (U+00A8), 0 for
+/// all other characters.
+[[nodiscard]] char32_t markOfAccent(char32_t character);
+
 /// The characters as UTF-8 text in NFC: ligatures and the shapes of letters inside words as
 /// letters, soft hyphens (drawn by producers where a hyphen is seen) as hyphens, control characters
 /// and what is no character as U+FFFD.

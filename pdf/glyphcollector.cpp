@@ -20,6 +20,19 @@ bool isSameDirection(const Baseline &a, const Baseline &b)
            a.isVertical == b.isVertical && a.isMirrored == b.isMirrored;
 }
 
+/// Whether the accent is drawn over or under the letter instead of beside it. Where fonts do not
+/// tell how wide their accents are, each of them seems to reach over its neighbours.
+bool isOver(const Baseline &accentLine, const PlacedGlyph &accent, const Baseline &line,
+            const PlacedGlyph &letter)
+{
+    constexpr double raisedSizes = 0.5;
+    constexpr double widestEm = 0.95;
+    const double middle = (accent.start + accent.end) / 2;
+    return isSameDirection(line, accentLine) && middle > letter.start && middle < letter.end &&
+           accent.end - accent.start < widestEm * accentLine.em &&
+           std::abs(line.across - accentLine.across) < raisedSizes * line.size;
+}
+
 } // namespace
 
 TextAxes::TextAxes(double alongX, double alongY, double upwardsX, double upwardsY, bool isVertical)
@@ -75,6 +88,8 @@ void GlyphCollector::add(const TextAxes &axes, const ShownGlyph &glyph)
 
 void GlyphCollector::show(const TextAxes &axes, const ShownGlyph &glyph)
 {
+    if (hasAccent)
+        settleAccent(axes, glyph);
     if (glyph.isContinuation) {
         if (!skipsContinuations && !isDropped(glyph.character)) {
             const double end = runs.back().end();
@@ -102,14 +117,42 @@ void GlyphCollector::show(const TextAxes &axes, const ShownGlyph &glyph)
         return;
     }
     if (isMark(glyph.character)) {
-        GlyphRun mark;
-        mark.line = line;
-        const double middle = start + glyph.toMiddle;
-        mark.append({middle, middle, glyph.character, false, false});
-        marks.push_back(std::move(mark));
+        addMark(line, start + glyph.toMiddle, glyph.character);
+        return;
+    }
+    if (markOfAccent(glyph.character) != 0) {
+        hasAccent = true;
+        accentLine = line;
+        accent = {start, end, glyph.character, false, false};
         return;
     }
     place(line, {start, end, glyph.character, false, false});
+}
+
+void GlyphCollector::settleAccent(const TextAxes &axes, const ShownGlyph &glyph)
+{
+    hasAccent = false;
+    Baseline line = axes.line;
+    line.across = glyph.y * line.directionX - glyph.x * line.directionY;
+    const double start = glyph.x * line.directionX + glyph.y * line.directionY;
+    const PlacedGlyph next = {start, start + glyph.advance * line.em, glyph.character};
+    const bool isLetter = !glyph.isContinuation && !isBlank(glyph.character);
+    if (isLetter && isOver(accentLine, accent, line, next))
+        addMark(line, (next.start + next.end) / 2, markOfAccent(accent.character));
+    else if (!runs.empty() &&
+             isOver(accentLine, accent, runs.back().line, runs.back().glyphs.back()))
+        addMark(runs.back().line, (runs.back().glyphs.back().start + runs.back().end()) / 2,
+                markOfAccent(accent.character));
+    else
+        place(accentLine, accent);
+}
+
+void GlyphCollector::addMark(const Baseline &line, double middle, char32_t mark)
+{
+    GlyphRun run;
+    run.line = line;
+    run.append({middle, middle, mark, false, false});
+    marks.push_back(std::move(run));
 }
 
 void GlyphCollector::showBlank(const ShownGlyph &glyph)
@@ -150,6 +193,8 @@ void GlyphCollector::place(const Baseline &line, const PlacedGlyph &glyph)
 void GlyphCollector::beginReplacement(std::u32string text)
 {
     isReplacing = true;
+    if (std::exchange(hasAccent, false))
+        place(accentLine, accent);
     replacement = std::move(text);
     replaced.clear();
 }
@@ -171,6 +216,7 @@ void GlyphCollector::endReplacement()
     GlyphCollector shown(width, height);
     for (const auto &[axes, glyph] : replaced)
         shown.show(axes, glyph);
+    shown.runs = shown.takeRuns();
     if (shown.runs.empty()) {
         for (const auto &[axes, glyph] : replaced) {
             if (isBlank(glyph.character))
@@ -230,6 +276,8 @@ std::vector<GlyphRun> GlyphCollector::takeRuns()
 {
     if (isReplacing)
         endReplacement();
+    if (std::exchange(hasAccent, false))
+        place(accentLine, accent);
     return std::move(runs);
 }
 

@@ -60,6 +60,10 @@ public:
 private:
     void show(const TextAxes &axes, const ShownGlyph &glyph);
     void showBlank(const ShownGlyph &glyph);
+    /// Takes the accent drawn last as that of the glyph drawn over or under it now, else as a
+    /// character of its own.
+    void settleAccent(const TextAxes &axes, const ShownGlyph &glyph);
+    void addMark(const Baseline &line, double middle, char32_t mark);
     void place(const Baseline &line, const PlacedGlyph &glyph);
     void replace(const GlyphRun &shown);
     [[nodiscard]] bool isOutside(const TextAxes &axes, const ShownGlyph &glyph) const;
@@ -76,6 +80,9 @@ private:
     double blankX = 0; ///< pen position of the last blank
     double blankY = 0;
     bool skipsContinuations = false;
+    bool hasAccent = false; ///< whether the last glyph was an accent standing alone
+    Baseline accentLine;
+    PlacedGlyph accent;
     bool isReplacing = false;
     std::u32string replacement;
     std::vector<std::pair<TextAxes, ShownGlyph>> replaced;

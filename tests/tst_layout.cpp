@@ -291,6 +291,17 @@ void TestLayout::fragmentTexts_data()
         mappedPdf(mappedLine("abcdcec"), {"0041", "00A0", "0042", "2009", "3000"}), {"A B B B"});
     row("soft hyphen", mappedPdf(mappedLine("abc"), {"0041", "00AD", "0042"}), {"A-B"});
     row("marks composed", mappedPdf(mappedLine("a"), {"00650301"}), {QString::fromUtf8("é")});
+    row("accent drawn before its letter", inHelvetica("[(M) -111 (\\250) 444 (uller)] TJ"),
+        {QString::fromUtf8("Müller")});
+    row("accent drawn above its capital",
+        simplePdf({showText(21, 102, "\xB4") + showText(20, 100, "Emile")}),
+        {QString::fromUtf8("Émile")});
+    row("accent drawn after its letter", inHelvetica("[(c) 417 (\\270) -84 (a)] TJ"),
+        {QString::fromUtf8("ça")});
+    row("accent on a letter without dot",
+        mappedPdf("BT /F2 12 Tf 20 100 Td [(b) 600 (a)] TJ ET", {"0131", "00B4"}),
+        {QString::fromUtf8("í")});
+    row("accent of its own", inHelvetica("(don\\264t \\250) Tj"), {QString::fromUtf8("don´t ¨")});
     row("control characters", mappedPdf(mappedLine("abc"), {"0041", "0007", "0085"}),
         {QString::fromUtf8("A\uFFFD")});
     row("line separator", mappedPdf(mappedLine("abc"), {"0041", "2028", "0042"}), {"A B"});
