@@ -27,7 +27,7 @@ from concurrent.futures import ThreadPoolExecutor
 from pathlib import Path
 
 GOAL = 0.995
-TIME_LIMIT = 120
+TIME_LIMIT = 60
 LINE = re.compile(r"<span [^>]*>(.*)</span>$")
 
 
@@ -113,7 +113,7 @@ def main():
     if not call.folder:
         parser.error("name a FOLDER or set SENDRIVO_CORPUS")
     files = sorted(str(path) for path in Path(call.folder).rglob("*.pdf"))
-    with ThreadPoolExecutor(os.cpu_count()) as pool:
+    with ThreadPoolExecutor(2 * os.cpu_count()) as pool:
         results = list(pool.map(lambda file: Result(call.quillrend, file), files))
 
     read = [result for result in results if not result.left_out]
