@@ -168,8 +168,10 @@ private:
         word.line = small.line;
         const auto wordEnd = small.glyphs.begin() + small.firstWordLength();
         word.glyphs.assign(small.glyphs.begin(), wordEnd);
-        const std::size_t next = at + 1;
-        const bool hasNext = next < lines.begins[line + 1] && !runs[next].glyphs.empty();
+        std::size_t next = at + 1;
+        while (next < lines.begins[line + 1] && runs[next].glyphs.empty())
+            ++next;
+        const bool hasNext = next < lines.begins[line + 1];
         const std::size_t place = placeOfSmallLetters(run, word);
         if (place == 0 || (hasNext && starts[next] - word.end() < -overlapEm * run.line.em))
             return false;
