@@ -1,0 +1,103 @@
+// SPDX-FileCopyrightText: 2026 The Sendrivo authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "tests/support/pdfbuilder.h"
+#include "tests/support/pdfreader.h"
+#include "tests/support/privatefolders.h"
+#include "tests/support/toolrunner.h"
+
+#include <QTemporaryDir>
+#include <QTest>
+
+/// Files made to keep stavekit busy for ever, or out of memory: it ends, with the page.
+class TestHostileInput : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void doesEnd_data();
+    void doesEnd();
+};
+
+namespace {
+
+/// One page, with entries of its own and for the catalog, and further objects from number 5 on.
+QByteArray onePage(const QByteArray &catalogEntries, const QByteArray &pageEntries,
+                   const QByteArrayList &objects)
+{
+    PdfBuilder file;
+    const int root = file.add("<< /Type /Pages /Kids [2 0 R] /Count 1 >>");
+    file.add("<< /Type /Page /Parent 1 0 R /MediaBox [0 0 9 9] " + pageEntries + " >>");
+    const int catalog =
+        file.add("<< /Type /Catalog /Pages " + PdfBuilder::ref(root) + ' ' + catalogEntries + ">>");
+    file.add("[2 0 R /Fit]");
+    for (const QByteArray &object : objects)
+        file.add(object);
+    return file.bytes(catalog);
+}
+
+/// count objects from number 5 on, each "PREFIX n 0 R SUFFIX" with n the number of the next.
+QByteArrayList chain(const QByteArray &prefix, const QByteArray &suffix, int count)
+{
+    QByteArrayList objects;
+    for (int i = 0; i < count; ++i)
+        objects.append("<< " + prefix + PdfBuilder::ref(6 + i) + ' ' + suffix + " >>");
+    return objects;
+}
+
+} // namespace
+
+void TestHostileInput::doesEnd_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    const int depth = 30000;
+    QTest::newRow("deep array") << onePage(
+        "", "/Trans " + QByteArray(depth, '[') + QByteArray(depth, ']'), {});
+    QTest::newRow("deep chain of objects") << onePage("", "/Trans 5 0 R", chain("/A ", "", depth));
+    QTest::newRow("deep form") << onePage("", "/Annots [5 0 R]",
+                                          chain("/Subtype /Widget /T (a) /Parent ", "", depth));
+    QTest::newRow("deep outline") << onePage("/Outlines 5 0 R", "",
+                                             chain("/Title (a) /First ", "/Dest 4 0 R", depth));
+    QTest::newRow("outline in a loop")
+        << onePage("/Outlines 5 0 R", "",
+                   {"<< /First 6 0 R >>", "<< /Dest 4 0 R /First 6 0 R /Next 7 0 R >>",
+                    "<< /Dest 4 0 R /First 5 0 R /Next 6 0 R >>"});
+    QTest::newRow("structure in a loop")
+        << onePage("/StructTreeRoot 5 0 R", "/StructParents 0",
+                   {"<< /K 6 0 R /ParentTree 8 0 R >>", "<< /S /P /P 7 0 R /K [6 0 R 7 0 R 0] >>",
+                    "<< /S /P /P 6 0 R /K 6 0 R >>", "<< /Kids [8 0 R 9 0 R] >>",
+                    "<< /Nums [0 [6 0 R 1 0 R 2 0 R 3 0 R]] >>"});
+    QTest::newRow("names in a loop")
+        << onePage("/Names << /Dests 5 0 R >>", "/Annots [<< /Subtype /Link /Dest (a) >>]",
+                   {"<< /Kids [5 0 R] >>"});
+    QTest::newRow("page as everything")
+        << onePage("/AcroForm 2 0 R /Outlines 2 0 R /StructTreeRoot 2 0 R /PageLabels 2 0 R",
+                   "/Resources 2 0 R /Contents 2 0 R /StructParents 2 0 R /Annots [2 0 R 1 0 R << "
+                   "/Subtype /Widget /Parent 2 0 R >> << /Subtype /Widget /Parent 1 0 R >>]",
+                   {});
+    // Thirty kilobytes that are thirty megabytes of names.
+    const QByteArray packed = qCompress(QByteArray("/A ").repeated(10000000), 9).mid(4);
+    QTest::newRow("contents far larger than the file") << onePage(
+        "", "/Resources << /Font 5 0 R >> /Contents 6 0 R",
+        {"<< >>", "<< /Filter /FlateDecode /Length " + QByteArray::number(packed.size()) +
+                      " >>\nstream\n" + packed + "\nendstream"});
+    QTest::newRow("version beyond all bounds")
+        << onePage("", "", {}).replace("%PDF-1.7", "%PDF-" + QByteArray(40, '5') + ".7");
+    QByteArray huge = onePage("", "", {});
+    QTest::newRow("four billion objects") << huge.replace("/Size 5", "/Size 4294967295");
+}
+
+void TestHostileInput::doesEnd()
+{
+    QFETCH(QByteArray, bytes);
+    const QTemporaryDir folder;
+    const QString input = folder.filePath("in.pdf");
+    const QString output = folder.filePath("out.pdf");
+    writeFile(input, bytes);
+    const ToolResult result = mergePages(input, "1", output);
+    QCOMPARE(result.exitCode, 0);
+    QCOMPARE(pdfreader::pageCount(output), 1);
+}
+
+SENDRIVO_TEST_MAIN(TestHostileInput, QCoreApplication)
+#include "tst_hostileinput.moc"
