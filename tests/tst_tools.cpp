@@ -41,7 +41,8 @@ private slots:
     void namesAreBytes();
     void inputIsNeverOverwritten();
     void killedToolLeavesNothing();
-    void inputCutOffWhileItIsRead();
+    void inputChangedWhileItIsRead_data();
+    void inputChangedWhileItIsRead();
     void readerIsLost_data();
     void readerIsLost();
 };
@@ -435,8 +436,16 @@ void TestTools::killedToolLeavesNothing()
     }
 }
 
-void TestTools::inputCutOffWhileItIsRead()
+void TestTools::inputChangedWhileItIsRead_data()
 {
+    QTest::addColumn<bool>("isCutOff");
+    QTest::newRow("cut off") << true;
+    QTest::newRow("overwritten") << false;
+}
+
+void TestTools::inputChangedWhileItIsRead()
+{
+    QFETCH(bool, isCutOff);
     const QTemporaryDir folder;
     const QString input = folder.filePath("in.pdf");
     const QByteArray bytes = simplePdf(QByteArrayList(3000, showText(20, 100, "page")));
@@ -448,7 +457,13 @@ void TestTools::inputCutOffWhileItIsRead()
         QProcess process;
         start(process, isMerge ? "-merge" : "-htmlformat", folder.path());
         process.waitForFinished(random.bounded(isMerge ? 60 : 150));
-        QFile::resize(input, 5000);
+        if (isCutOff) {
+            QFile::resize(input, 5000);
+        } else {
+            QFile file(input);
+            QVERIFY(file.open(QIODevice::ReadWrite));
+            file.write(QByteArray(bytes.size(), '('));
+        }
         QVERIFY(process.waitForFinished());
         QCOMPARE(process.exitStatus(), QProcess::NormalExit);
         // What was written before the cut is whole; what is left of the input can also be a sound
