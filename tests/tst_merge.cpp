@@ -9,7 +9,6 @@
 #include "tests/support/toolrunner.h"
 
 #include <QDir>
-#include <QTemporaryDir>
 #include <QTest>
 
 /// Page ranges written by the real stavekit.
@@ -107,24 +106,20 @@ void TestMerge::keepsItsPagesOnly()
 {
     QFETCH(QString, ranges);
     QFETCH(QString, pages);
-    const QTemporaryDir folder;
-    const QString input = folder.filePath("in.pdf");
-    const QString output = folder.filePath("out.pdf");
     QFETCH(QString, labels);
-    writeFile(input, MarkedPdf(5).bytes());
-    QCOMPARE(pdfreader::complaints(input), QString());
-    const ToolResult result = mergePages(input, ranges, output);
-    QCOMPARE(result.errors, QByteArray());
-    QCOMPARE(result.exitCode, 0);
+    const MergeRun run(MarkedPdf(5).bytes(), ranges);
+    QCOMPARE(pdfreader::complaints(run.input), QString());
+    QCOMPARE(run.result.errors, QByteArray());
+    QCOMPARE(run.result.exitCode, 0);
 
     QStringList texts;
     for (const QChar page : pages)
         texts.append(QStringLiteral("text") + page);
-    QCOMPARE(pdfreader::pageTexts(output), texts);
-    QCOMPARE(pdfreader::complaints(output), QString());
-    QCOMPARE(pdfobjects::complaints(output), QString());
+    QCOMPARE(pdfreader::pageTexts(run.output), texts);
+    QCOMPARE(pdfreader::complaints(run.output), QString());
+    QCOMPARE(pdfobjects::complaints(run.output), QString());
 
-    const QByteArray contents = pdfobjects::decoded(output);
+    const QByteArray contents = pdfobjects::decoded(run.output);
     const auto holds = [&contents](const QByteArray &marker, bool isExpected) {
         const bool isThere = contents.contains(marker);
         return isThere == isExpected ? QByteArray() : (isThere ? "leaks " : "loses ") + marker;
@@ -155,13 +150,13 @@ void TestMerge::keepsItsPagesOnly()
     QCOMPARE(holds("/PrintPageRange", false), QByteArray());
     // It tells the text of all pages.
     QCOMPARE(holds("(everything)", pages.size() == 5), QByteArray());
-    QCOMPARE(pdfobjects::labels(output), labels.split(QLatin1Char(' ')));
-    QCOMPARE(pdfobjects::structureFaults(output), QString());
+    QCOMPARE(pdfobjects::labels(run.output), labels.split(QLatin1Char(' ')));
+    QCOMPARE(pdfobjects::structureFaults(run.output), QString());
     for (const char *list : {"/CO", "/OFF"})
-        QCOMPARE(pdfobjects::listLength(output, list), pages.size());
+        QCOMPARE(pdfobjects::listLength(run.output, list), pages.size());
     for (int page = 0; page < pages.size(); ++page)
-        QCOMPARE(pdfreader::renderPage(output, page),
-                 pdfreader::renderPage(input, pages.mid(page, 1).toInt() - 1));
+        QCOMPARE(pdfreader::renderPage(run.output, page),
+                 pdfreader::renderPage(run.input, pages.mid(page, 1).toInt() - 1));
 }
 
 void TestMerge::linksLeadToTheSamePages_data()
@@ -202,27 +197,21 @@ void TestMerge::linksLeadToTheSamePages()
     QFETCH(QByteArray, link);
     QFETCH(QString, ranges);
     QFETCH(QString, targets);
-    const QTemporaryDir folder;
-    const QString input = folder.filePath("in.pdf");
-    const QString output = folder.filePath("out.pdf");
-    writeFile(input, linked(link));
-    QCOMPARE(mergePages(input, ranges, output).exitCode, 0);
-    QCOMPARE(pdfobjects::linkTargets(output), targets);
-    QCOMPARE(pdfobjects::complaints(output), QString());
+    const MergeRun run(linked(link), ranges);
+    QCOMPARE(run.result.exitCode, 0);
+    QCOMPARE(pdfobjects::linkTargets(run.output), targets);
+    QCOMPARE(pdfobjects::complaints(run.output), QString());
 }
 
 void TestMerge::repeatedPagesAreCopies()
 {
-    const QTemporaryDir folder;
-    const QString input = folder.filePath("in.pdf");
-    const QString output = folder.filePath("out.pdf");
-    writeFile(input, MarkedPdf(3).bytes());
-    QCOMPARE(mergePages(input, "2 1-3 2", output).exitCode, 0);
-    QCOMPARE(pdfreader::pageTexts(output),
+    const MergeRun run(MarkedPdf(3).bytes(), "2 1-3 2");
+    QCOMPARE(run.result.exitCode, 0);
+    QCOMPARE(pdfreader::pageTexts(run.output),
              QStringList({"text2", "text1", "text2", "text3", "text2"}));
-    QCOMPARE(pdfobjects::count(output, "/Type /Page "), 5);
-    QCOMPARE(pdfobjects::count(output, "/T (f2)"), 1);
-    QCOMPARE(pdfobjects::complaints(output), QString());
+    QCOMPARE(pdfobjects::count(run.output, "/Type /Page "), 5);
+    QCOMPARE(pdfobjects::count(run.output, "/T (f2)"), 1);
+    QCOMPARE(pdfobjects::complaints(run.output), QString());
 }
 
 void TestMerge::archivedDocumentsStayArchived_data()
@@ -235,12 +224,9 @@ void TestMerge::archivedDocumentsStayArchived_data()
 void TestMerge::archivedDocumentsStayArchived()
 {
     QFETCH(QByteArray, header);
-    const QTemporaryDir folder;
-    const QString input = folder.filePath("in.pdf");
-    const QString output = folder.filePath("out.pdf");
-    writeFile(input, archived().replace(0, header.size(), header));
-    QCOMPARE(mergePages(input, "2", output).exitCode, 0);
-    const QByteArray written = readFile(output);
+    const MergeRun run(archived().replace(0, header.size(), header), "2");
+    QCOMPARE(run.result.exitCode, 0);
+    const QByteArray written = readFile(run.output);
     QVERIFY(written.startsWith(header + '%'));
     for (int i = 1; i <= 4; ++i)
         QVERIFY2(static_cast<unsigned char>(written[header.size() + i]) > 127, "binary comment");
@@ -249,11 +235,11 @@ void TestMerge::archivedDocumentsStayArchived()
     // Readers of PDF 1.4 know no objects inside streams.
     QCOMPARE(written.contains("/ObjStm"), header.contains("1.7"));
     QVERIFY(!written.contains("/Encrypt"));
-    const QByteArray objects = pdfobjects::decoded(output);
+    const QByteArray objects = pdfobjects::decoded(run.output);
     for (const char *part : {"the profile", "/S /GTS_PDFA1", "/DestOutputProfile", "(sRGB)"})
         QVERIFY2(objects.contains(part), part);
-    QCOMPARE(pdfobjects::complaints(output), QString());
-    QCOMPARE(pdfreader::complaints(output), pdfreader::complaints(input));
+    QCOMPARE(pdfobjects::complaints(run.output), QString());
+    QCOMPARE(pdfreader::complaints(run.output), pdfreader::complaints(run.input));
 }
 
 void TestMerge::valuesStay_data()
@@ -265,7 +251,8 @@ void TestMerge::valuesStay_data()
     };
     row("numbers", "[0 -7 +8 007 1.50 -.5 4. -0.0]", "[ 0 -7 8 7 1.50 -.5 4. -0.0 ]");
     row("words", "[true false null]", "[ true false null ]");
-    row("strings", "[(a(b)c) (a\\)b) (a\\\nb) (a\r\nb) ()]", "[ (a\\(b\\)c) (a\\)b) (ab) (a\\nb) () ]");
+    row("strings", "[(a(b)c) (a\\)b) (a\\\nb) (a\r\nb) ()]",
+        "[ (a\\(b\\)c) (a\\)b) (ab) (a\\nb) () ]");
     row("hexadecimal strings", "[<4142> <41 4> <> <4>]", "[ (AB) (A@) () (@) ]");
     row("names", "[/A#20b /A /a.b-c_d*e]", "[ /A#20b /A /a.b-c_d*e ]");
     row("nested", "[[<</A<</B[1 2]>>>>]/C%comment\n(d)]",
@@ -278,13 +265,10 @@ void TestMerge::valuesStay()
 {
     QFETCH(QByteArray, written);
     QFETCH(QByteArray, read);
-    const QTemporaryDir folder;
-    const QString input = folder.filePath("in.pdf");
-    const QString output = folder.filePath("out.pdf");
-    writeFile(input, simplePdf({"", ""}, "/LastModified " + written));
-    QCOMPARE(mergePages(input, "1", output).exitCode, 0);
-    QVERIFY2(pdfobjects::decoded(output).contains("/LastModified " + read),
-             pdfobjects::decoded(output));
+    const MergeRun run(simplePdf({"", ""}, "/LastModified " + written), "1");
+    QCOMPARE(run.result.exitCode, 0);
+    QVERIFY2(pdfobjects::decoded(run.output).contains("/LastModified " + read),
+             pdfobjects::decoded(run.output));
 }
 
 void TestMerge::encryption_data()
@@ -310,20 +294,16 @@ void TestMerge::encryption()
 {
     QFETCH(QByteArray, bytes);
     QFETCH(int, exitCode);
-    const QTemporaryDir folder;
-    const QString input = folder.filePath("in.pdf");
-    const QString output = folder.filePath("out.pdf");
-    writeFile(input, bytes);
-    const ToolResult result = mergePages(input, "1", output);
-    QCOMPARE(result.exitCode, exitCode);
-    QCOMPARE(result.errors.count('\n'), exitCode == 0 ? 0 : 1);
-    QCOMPARE(QFile::exists(output), exitCode == 0);
+    const MergeRun run(bytes, "1");
+    QCOMPARE(run.result.exitCode, exitCode);
+    QCOMPARE(run.result.errors.count('\n'), exitCode == 0 ? 0 : 1);
+    QCOMPARE(QFile::exists(run.output), exitCode == 0);
     if (exitCode == 0) {
-        QCOMPARE(pdfreader::pageTexts(output), QStringList("secret"));
-        QVERIFY(pdfobjects::isEncryptedWith(output, Assembling::Allowed) ||
-                pdfobjects::isEncryptedWith(output, Assembling::Forbidden));
-        QCOMPARE(pdfobjects::isEncryptedWith(output, Assembling::Allowed),
-                 pdfobjects::isEncryptedWith(input, Assembling::Allowed));
+        QCOMPARE(pdfreader::pageTexts(run.output), QStringList("secret"));
+        QVERIFY(pdfobjects::isEncryptedWith(run.output, Assembling::Allowed) ||
+                pdfobjects::isEncryptedWith(run.output, Assembling::Forbidden));
+        QCOMPARE(pdfobjects::isEncryptedWith(run.output, Assembling::Allowed),
+                 pdfobjects::isEncryptedWith(run.input, Assembling::Allowed));
     }
 }
 

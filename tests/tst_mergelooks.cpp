@@ -8,7 +8,6 @@
 #include "tests/support/privatefolders.h"
 #include "tests/support/toolrunner.h"
 
-#include <QTemporaryDir>
 #include <QTest>
 
 /// Pages taken out by the real stavekit look as before, with no more resources than they use.
@@ -201,27 +200,21 @@ void TestMergeLooks::pagesLookTheSame_data()
 void TestMergeLooks::pagesLookTheSame()
 {
     QFETCH(QByteArray, bytes);
-    const QTemporaryDir folder;
-    const QString input = folder.filePath("in.pdf");
-    const QString output = folder.filePath("out.pdf");
-    writeFile(input, bytes);
-    QCOMPARE(mergePages(input, "1", output).exitCode, 0);
-    const QImage expected = pdfreader::renderPage(input, 0);
+    const MergeRun run(bytes, "1");
+    QCOMPARE(run.result.exitCode, 0);
+    const QImage expected = pdfreader::renderPage(run.input, 0);
     QVERIFY(!expected.isNull());
-    QCOMPARE(pdfreader::renderPage(output, 0), expected);
-    QCOMPARE(pdfobjects::complaints(output), QString());
+    QCOMPARE(pdfreader::renderPage(run.output, 0), expected);
+    QCOMPARE(pdfobjects::complaints(run.output), QString());
 }
 
 void TestMergeLooks::sharedResourcesAreWrittenOnce()
 {
-    const QTemporaryDir folder;
-    const QString input = folder.filePath("in.pdf");
-    const QString output = folder.filePath("out.pdf");
-    writeFile(input, MarkedPdf(5).bytes());
-    QCOMPARE(mergePages(input, "1-5", output).exitCode, 0);
-    QCOMPARE(pdfobjects::count(output, "/Name /font"), 5);
+    const MergeRun run(MarkedPdf(5).bytes(), "1-5");
+    QCOMPARE(run.result.exitCode, 0);
+    QCOMPARE(pdfobjects::count(run.output, "/Name /font"), 5);
     // One dictionary stands directly in the page tree, the other is an object of its own.
-    QCOMPARE(pdfobjects::count(output, "/ProcSet"), 2);
+    QCOMPARE(pdfobjects::count(run.output, "/ProcSet"), 2);
 }
 
 void TestMergeLooks::sharedResourcesAreKeptInDoubt_data()
@@ -237,15 +230,12 @@ void TestMergeLooks::sharedResourcesAreKeptInDoubt()
 {
     QFETCH(QByteArray, entries);
     QFETCH(bool, isWhole);
-    const QTemporaryDir folder;
-    const QString input = folder.filePath("in.pdf");
-    const QString output = folder.filePath("out.pdf");
-    writeFile(input, sharing(usingEverything, entries));
-    QCOMPARE(mergePages(input, "1", output).exitCode, 0);
-    QCOMPARE(readFile(output).contains("leaked"), isWhole);
+    const MergeRun run(sharing(usingEverything, entries), "1");
+    QCOMPARE(run.result.exitCode, 0);
+    QCOMPARE(readFile(run.output).contains("leaked"), isWhole);
     if (isWhole)
         return;
-    const QByteArray written = pdfobjects::decoded(output);
+    const QByteArray written = pdfobjects::decoded(run.output);
     for (const char *entry :
          {"/F1 ", "/Look ", "/T3 ", "/Inner ", "/Fill ", "/Glyph ", "/Mask ", "/ImA ", "/Pat ",
           "/Sh ", "/GS ", "/Own [", "/Tint [", "/Ink [", "/DefaultGray "})

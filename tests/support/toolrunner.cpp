@@ -3,6 +3,8 @@
 
 #include "tests/support/toolrunner.h"
 
+#include "tests/support/pdfbuilder.h"
+
 #include <QCoreApplication>
 #include <QFile>
 #include <QProcess>
@@ -38,6 +40,13 @@ ToolResult mergePages(const QString &file, const QString &ranges, const QString 
     arguments += ranges.split(QLatin1Char(' '));
     arguments += {QStringLiteral("-outfile"), out};
     return runTool(QStringLiteral("stavekit"), arguments);
+}
+
+MergeRun::MergeRun(const QByteArray &bytes, const QString &ranges)
+    : input(folder.filePath("in.pdf")), output(folder.filePath("out.pdf"))
+{
+    writeFile(input, bytes);
+    result = mergePages(input, ranges, output);
 }
 
 int toolPageCount(const QString &file, const QString &infoFile)

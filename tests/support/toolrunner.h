@@ -6,6 +6,7 @@
 #include <QByteArray>
 #include <QString>
 #include <QStringList>
+#include <QTemporaryDir>
 
 /// What a run of a tool left on its channels.
 struct ToolResult
@@ -21,6 +22,16 @@ struct ToolResult
 
 /// stavekit FILE -merge RANGES -outfile OUT; ranges are separated by blanks.
 [[nodiscard]] ToolResult mergePages(const QString &file, const QString &ranges, const QString &out);
+/// A new file and what stavekit -merge makes of it, in a folder of their own.
+struct MergeRun
+{
+    MergeRun(const QByteArray &bytes, const QString &ranges);
+
+    QTemporaryDir folder;
+    QString input;
+    QString output;
+    ToolResult result;
+};
 /// stavekit FILE -getinfo; the digits behind "NumberOfPages: ", or -1 when there are none.
 [[nodiscard]] int toolPageCount(const QString &file, const QString &infoFile);
 /// quillrend -htmlformat FILE FOLDER/split.xml
