@@ -102,6 +102,9 @@ void setVerdict(FileResult &result, const PageTexts &texts)
         result.verdict = verdict::noTextLayer;
     } else if (!texts.hasAnyAtPosition) {
         result.verdict = verdict::noTextAtPosition;
+    } else if (!texts.pagesWithout.isEmpty()) {
+        // Such a page joins the document before it, whatever is on it.
+        result.verdict = verdict::pagesWithoutTextLayer;
     }
 }
 

@@ -42,6 +42,7 @@ namespace verdict {
 inline const QString done = QStringLiteral("done");
 inline const QString noTextAtPosition = QStringLiteral("no text at the position");
 inline const QString noTextLayer = QStringLiteral("no text layer");
+inline const QString pagesWithoutTextLayer = QStringLiteral("pages without text layer");
 inline const QString pagesGivenUp = QStringLiteral("pages given up");
 inline const QString failed = QStringLiteral("failed");
 } // namespace verdict

@@ -54,6 +54,9 @@ TextQuery makeQuery(const BatchOptions &options)
 
 pdf::DocumentOptions makeDocumentOptions(const QString &settingsFile)
 {
+    // Without this a mistyped name would give documents without their password.
+    if (!QFileInfo(settingsFile).isReadable())
+        refuse(settingsFile + QLatin1String(": cannot be read for --output-options"));
     const QSettings settings(settingsFile, QSettings::IniFormat);
     const OutputOptions stored = readOutputOptions(settings);
     pdf::DocumentOptions options;
@@ -142,10 +145,8 @@ public:
         ++done;
         for (const QString &complaint : result.complaints)
             complain(result.input + QLatin1String(": ") + complaint);
-        if (!result.cause.isEmpty())
-            complain(result.input + QLatin1String(": ") + result.cause);
-        else if (result.verdict != verdict::done)
-            complain(result.input + QLatin1String(": ") + result.verdict);
+        if (result.verdict != verdict::done)
+            complain(result.input + QLatin1String(": ") + remark(result));
         if (report)
             report->append(result);
         print(result);
@@ -171,6 +172,15 @@ public:
     [[nodiscard]] ExitCode exitCode() const { return exits.exitCode(); }
 
 private:
+    static QString remark(const FileResult &result)
+    {
+        if (!result.cause.isEmpty())
+            return result.cause;
+        if (result.verdict == verdict::pagesWithoutTextLayer)
+            return result.verdict + QLatin1String(": ") + result.pagesWithoutText;
+        return result.verdict;
+    }
+
     void print(const FileResult &result) const
     {
         if (options.isJson)

@@ -219,7 +219,12 @@ private slots:
         row("damaged", {"--rule", "number", "bad.pdf"}, 3, "bad.pdf: is not a PDF file");
         row("password", {"--rule", "number", "secret.pdf"}, 6, "needs a password");
         row("one of two", {"--rule", "number", "bad.pdf", "in.pdf"}, 4, "bad.pdf");
+        row("half a scan", {"--position", "1,1", "--tolerance", "900", "mixed.pdf"}, 0,
+            "without text layer: 2-3");
         row("nothing there", {"--position", "1,1", "in.pdf"}, 0, "no text at the position");
+        row("no settings", {"--position", "1,1", "--settings=x", "--output-options", "in.pdf"}, 2,
+            "x: cannot be read");
+        row("unwritable folder", {"--rule", "number", "--output", "/proc", "in.pdf"}, 5, "/proc");
         row("locked folder", {"--rule", "number", "file.pdf"}, 5, "is a file where a folder");
     }
     void failures()
@@ -228,6 +233,8 @@ private slots:
         QFETCH(QByteArray, complaint);
         writeFile(path("bad.pdf"), "nothing");
         writeFile(output->filePath("file"), "in the way");
+        const QByteArray line = "0 0 m 9 9 l S";
+        writeFile(path("mixed.pdf"), simplePdf({showText(30, 100, "text"), line, line}));
         encryptSamplePdf(path("in.pdf"), path("secret.pdf"), {"password"});
         if (!arguments.contains("--output"))
             arguments = QStringList{"--output", output->path()} + arguments;
