@@ -451,7 +451,8 @@ void TestTools::inputChangedWhileItIsRead()
     const QByteArray bytes = simplePdf(QByteArrayList(3000, showText(20, 100, "page")));
     QRandomGenerator random(1);
     for (int round = 0; round < 24; ++round) {
-        const bool isMerge = round % 2 == 0;
+        // Pages whose text is lost are given up one by one.
+        const bool isMerge = !isCutOff || round % 2 == 0;
         const QString output = folder.filePath(isMerge ? "out.pdf" : "split_pg_0001.htm");
         writeFile(input, bytes);
         QProcess process;
