@@ -150,7 +150,7 @@ void TestSupervision::pages_data()
     QTest::newRow("sound") << nothing << nothing << 0
                            << QStringList{"done 0", "done 1", "done 2", "done 3"};
     const auto lost = [&](const char *name, const Act &act, const char *cause) {
-        QTest::newRow(name) << nothing << act << 4 << (QString("1: ") + cause) + others;
+        QTest::newRow(name) << nothing << act << 4 << QStringList(QString("1: ") + cause) + others;
     };
     lost("crash", crash, "crashes the reader");
     lost(
