@@ -106,7 +106,7 @@ int recurse(int depth) // NOLINT(misc-no-recursion)
     return depth == 0 ? 0 : recurse(depth | 1) + stack[0];
 }
 
-void takeMemory()
+[[maybe_unused]] void takeMemory()
 {
     constexpr std::size_t size = std::size_t{64} << 20;
     for (std::vector<std::unique_ptr<char[]>> blocks;;)
