@@ -13,7 +13,7 @@ namespace pdf {
 /// The fragments of a page from its runs of glyphs, in reading order: by top, then by left.
 ///
 /// Runs on one baseline are joined wherever they were drawn in, unless there is a gap of more than
-/// about one em between them; raised and lowered small letters go into the line that they stand in.
+/// about 0.7 em between them; raised and lowered small letters go into the line that they stand in.
 /// What is drawn twice in nearly the same place is taken once. Marks go to the letters that they
 /// stand on.
 [[nodiscard]] std::vector<Fragment> makeFragments(std::vector<GlyphRun> runs,

@@ -60,7 +60,7 @@ bool GlyphCollector::isOutside(const TextAxes &axes, const ShownGlyph &glyph) co
     return !(x >= 0 && y >= 0 && x <= width && y <= height);
 }
 
-bool GlyphCollector::continuesRun(const Baseline &line, double start) const
+bool GlyphCollector::continuesRun(const Baseline &line, double start, bool isSpaced) const
 {
     if (runs.empty())
         return false;
@@ -68,7 +68,8 @@ bool GlyphCollector::continuesRun(const Baseline &line, double start) const
     const double smaller = std::min(line.size, run.line.size);
     return isSameDirection(line, run.line) &&
            std::abs(line.across - run.line.across) < 0.02 * smaller &&
-           std::max(line.size, run.line.size) < 1.02 * smaller && run.isFollowedFrom(start);
+           std::max(line.size, run.line.size) < 1.02 * smaller &&
+           run.isFollowedFrom(start, isSpaced);
 }
 
 bool GlyphCollector::isRepetition(const Baseline &line, const PlacedGlyph &glyph) const
@@ -99,7 +100,7 @@ void GlyphCollector::show(const TextAxes &axes, const ShownGlyph &glyph)
     }
     skipsContinuations = true;
     if (isBlank(glyph.character)) {
-        showBlank(glyph);
+        showBlank(axes, glyph);
         return;
     }
     Baseline line = axes.line;
@@ -112,7 +113,7 @@ void GlyphCollector::show(const TextAxes &axes, const ShownGlyph &glyph)
         return;
     if (isDropped(glyph.character)) {
         // Nothing is seen of it, but its width is not a gap between letters either.
-        if (continuesRun(line, start))
+        if (continuesRun(line, start, false))
             runs.back().glyphs.back().end = end;
         return;
     }
@@ -155,20 +156,24 @@ void GlyphCollector::addMark(const Baseline &line, double middle, char32_t mark)
     marks.push_back(std::move(run));
 }
 
-void GlyphCollector::showBlank(const ShownGlyph &glyph)
+void GlyphCollector::showBlank(const TextAxes &axes, const ShownGlyph &glyph)
 {
     hasBlank = true;
     blankX = glyph.x;
     blankY = glyph.y;
+    blankAdvance = glyph.advance * axes.line.em;
 }
 
 bool GlyphCollector::isBehindBlank(const Baseline &line, double start) const
 {
+    // A blank may be stretched, and what follows may stand a little higher; farther away it is the
+    // end of another text.
+    constexpr double widestMoveEm = 0.7;
     constexpr double noiseEm = 0.1;
     constexpr double raisedSizes = 0.35;
     const double across = blankY * line.directionX - blankX * line.directionY;
     const double way = start - (blankX * line.directionX + blankY * line.directionY);
-    return way >= -noiseEm * line.em && way <= line.em &&
+    return way >= -noiseEm * line.em && way <= blankAdvance + widestMoveEm * line.em &&
            std::abs(across - line.across) <= raisedSizes * line.size;
 }
 
@@ -176,7 +181,8 @@ void GlyphCollector::place(const Baseline &line, const PlacedGlyph &glyph)
 {
     if (isRepetition(line, glyph))
         return;
-    const bool isContinued = continuesRun(line, glyph.start);
+    const bool isSpaced = hasBlank && isBehindBlank(line, glyph.start);
+    const bool isContinued = continuesRun(line, glyph.start, isSpaced);
     if (!isContinued) {
         GlyphRun run;
         run.line = line;
@@ -184,7 +190,7 @@ void GlyphCollector::place(const Baseline &line, const PlacedGlyph &glyph)
         runs.push_back(std::move(run));
     }
     PlacedGlyph placed = glyph;
-    placed.hasBlankBefore = hasBlank && (isContinued || isBehindBlank(line, glyph.start));
+    placed.hasBlankBefore = isSpaced || (isContinued && hasBlank);
     runs.back().append(placed);
     hasBlank = false;
     skipsContinuations = false;
@@ -220,7 +226,7 @@ void GlyphCollector::endReplacement()
     if (shown.runs.empty()) {
         for (const auto &[axes, glyph] : replaced) {
             if (isBlank(glyph.character))
-                showBlank(glyph);
+                showBlank(axes, glyph);
         }
         return;
     }
@@ -258,7 +264,12 @@ void GlyphCollector::replace(const GlyphRun &shown)
     bool isFirst = true;
     for (const char32_t c : replacement) {
         if (isBlank(c)) {
+            const Baseline &line = shown.line;
+            const double place = isFirst ? whole.start : whole.end;
             hasBlank = true;
+            blankX = place * line.directionX - line.across * line.directionY;
+            blankY = place * line.directionY + line.across * line.directionX;
+            blankAdvance = 0;
         } else if (isFirst && !isDropped(c)) {
             whole.character = c;
             place(shown.line, whole);

@@ -59,7 +59,7 @@ public:
 
 private:
     void show(const TextAxes &axes, const ShownGlyph &glyph);
-    void showBlank(const ShownGlyph &glyph);
+    void showBlank(const TextAxes &axes, const ShownGlyph &glyph);
     /// Takes the accent drawn last as that of the glyph drawn over or under it now, else as a
     /// character of its own.
     void settleAccent(const TextAxes &axes, const ShownGlyph &glyph);
@@ -67,9 +67,9 @@ private:
     void place(const Baseline &line, const PlacedGlyph &glyph);
     void replace(const GlyphRun &shown);
     [[nodiscard]] bool isOutside(const TextAxes &axes, const ShownGlyph &glyph) const;
-    /// Whether the last blank was shown right before the place, if at another height or size.
+    /// Whether the last blank was shown right before the place.
     [[nodiscard]] bool isBehindBlank(const Baseline &line, double start) const;
-    [[nodiscard]] bool continuesRun(const Baseline &line, double start) const;
+    [[nodiscard]] bool continuesRun(const Baseline &line, double start, bool isSpaced) const;
     [[nodiscard]] bool isRepetition(const Baseline &line, const PlacedGlyph &glyph) const;
 
     double width;
@@ -79,6 +79,7 @@ private:
     bool hasBlank = false;
     double blankX = 0; ///< pen position of the last blank
     double blankY = 0;
+    double blankAdvance = 0; ///< in pixels
     bool skipsContinuations = false;
     bool hasAccent = false; ///< whether the last glyph was an accent standing alone
     Baseline accentLine;

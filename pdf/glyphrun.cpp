@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <string_view>
 
 namespace pdf {
 
@@ -18,14 +19,14 @@ bool isSameGlyph(const PlacedGlyph &a, const PlacedGlyph &b, double em)
     return a.character == b.character && std::abs(a.start - b.start) <= near;
 }
 
-bool GlyphRun::isFollowedFrom(double start) const
+bool GlyphRun::isFollowedFrom(double start, bool hasBlankBefore) const
 {
     constexpr double farthestBackEm = 0.2;
     constexpr double leastAdvance = 0.15;
     const PlacedGlyph &last = glyphs.back();
     const double earliest = std::min(last.end - farthestBackEm * line.em,
                                      last.start + leastAdvance * (last.end - last.start));
-    return start >= earliest && start <= last.end + widestGap();
+    return start >= earliest && start <= last.end + widestGap(hasBlankBefore);
 }
 
 void GlyphRun::append(const PlacedGlyph &glyph)
@@ -90,11 +91,30 @@ double GlyphRun::letterSpacing() const
     return gaps < fewestGaps ? 0 : std::max(0.0, smallestGap);
 }
 
-double GlyphRun::widestGap() const
+double GlyphRun::widestGap(bool hasBlank) const
 {
-    // LaTeX sets a heading's number an em apart from its words; rounding must not decide.
-    constexpr double widestGapEm = 1.02;
-    return widestGapEm * line.em + 2 * letterSpacing();
+    // Word spaces of justified lines are stretched to 0.6 em, behind sentences to 0.9 em; tables
+    // have their columns 0.75 em apart. A shown blank can be an em wide by itself (U+3000), and
+    // two of a typewriter font are as wide as a column gap. No limit is an em exactly, which is a
+    // common distance (a quad).
+    constexpr double widestMoveEm = 0.7;
+    constexpr double widestBehindSentenceEm = 0.95;
+    constexpr double widestBlankEm = 1.05;
+    double widest = widestBlankEm;
+    if (!hasBlank)
+        widest = endsSentence() ? widestBehindSentenceEm : widestMoveEm;
+    return widest * line.em + 2 * letterSpacing();
+}
+
+bool GlyphRun::endsSentence() const
+{
+    const auto isClosing = [](const PlacedGlyph &glyph) {
+        constexpr std::u32string_view marks = U")]\"'\u2019\u201D\u00BB";
+        return marks.find(glyph.character) != marks.npos;
+    };
+    const auto last = std::find_if_not(glyphs.rbegin(), glyphs.rend(), isClosing);
+    return last != glyphs.rend() &&
+           (last->character == '.' || last->character == '?' || last->character == '!');
 }
 
 double GlyphRun::blankGap() const

@@ -54,12 +54,13 @@ public:
     /// Whether a glyph or run that starts there follows the last glyph as the next one of a word or
     /// line does. Kerning goes back a little; where a font states wider letters than the producer
     /// reckoned with, the next letter starts inside the last one.
-    [[nodiscard]] bool isFollowedFrom(double start) const;
+    [[nodiscard]] bool isFollowedFrom(double start, bool hasBlankBefore) const;
     /// Spacing that the run has between all its letters, in pixels, 0 in ordinary text: the
     /// smallest distance between neighbours, once there are enough of them to tell.
     [[nodiscard]] double letterSpacing() const;
-    /// Widest distance between neighbours within one fragment, in pixels.
-    [[nodiscard]] double widestGap() const;
+    /// Widest distance between neighbours within one fragment, in pixels. It is wider where a blank
+    /// is shown between them than where nothing but the distance says that there are two words.
+    [[nodiscard]] double widestGap(bool hasBlank) const;
     /// Smallest distance between neighbours that reads as a blank, in pixels.
     [[nodiscard]] double blankGap() const;
     /// Whether a blank is read before the glyph; blankGap is the run's.
@@ -67,6 +68,8 @@ public:
     [[nodiscard]] std::ptrdiff_t firstWordLength() const;
 
 private:
+    [[nodiscard]] bool endsSentence() const;
+
     double smallestGap = 0;
     int gaps = 0;
 };

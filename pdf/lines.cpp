@@ -82,13 +82,33 @@ public:
             if (run.glyphs.empty())
                 return;
         }
-        if (count > 0 && isContinuedBy(joined.back(), run))
+        if (count > 0 && isContinuedBy(joined.back(), run)) {
             joined.back().append(run);
-        else
+        } else if (count > 1 && isSpacedWord(run)) {
+            const GlyphRun middle = std::move(joined.back());
+            joined.pop_back();
+            joined.back().append(middle);
+            joined.back().append(run);
+        } else {
             joined.push_back(std::move(run));
+        }
     }
 
 private:
+    /// Whether the last two runs and this one are letters at equal distances.
+    [[nodiscard]] bool isSpacedWord(const GlyphRun &third) const
+    {
+        constexpr double widestEm = 1;
+        constexpr double noiseEm = 0.1;
+        const GlyphRun &first = joined[joined.size() - 2];
+        const GlyphRun &second = joined.back();
+        const double gap = second.start() - first.end();
+        const double nextGap = third.start() - second.end();
+        return first.glyphs.size() == 1 && second.glyphs.size() == 1 && third.glyphs.size() == 1 &&
+               gap <= widestEm * first.line.em &&
+               std::abs(gap - nextGap) <= noiseEm * first.line.em;
+    }
+
     std::vector<GlyphRun> &joined;
     std::size_t begin;
 };
@@ -113,9 +133,11 @@ bool isContinuedBy(const GlyphRun &run, const GlyphRun &next)
     constexpr double largestSizeRatio = 2;
     const double larger = std::max(run.line.size, next.line.size);
     const double smaller = std::min(run.line.size, next.line.size);
-    const bool isNear = next.start() - run.end() <= std::max(run.widestGap(), next.widestGap());
+    const bool hasBlank = next.glyphs.front().hasBlankBefore;
+    const bool isNear =
+        next.start() - run.end() <= std::max(run.widestGap(hasBlank), next.widestGap(hasBlank));
     return larger <= largestSizeRatio * smaller && isNear &&
-           (run.isFollowedFrom(next.start()) || next.start() > run.end());
+           (run.isFollowedFrom(next.start(), hasBlank) || next.start() > run.end());
 }
 
 Lines joinLines(std::vector<GlyphRun> runs)

@@ -201,7 +201,18 @@ void TestLayout::fragmentTexts_data()
     row("blanks as wide as a column gap", inHelvetica("(Total      12.00) Tj"), {"Total", "12.00"});
     row("kerned letters", inHelvetica("[(A) 80 (V) -20 (A) 74 (TAR)] TJ"), {"AVATAR"});
     row("words parted by a movement only", inHelvetica("[(two) -278 (words)] TJ"), {"two words"});
-    row("column gap by movement", inHelvetica("[(Label) -1500 (Value)] TJ"), {"Label", "Value"});
+    row("wide word spaces by movement only", inHelvetica("[(two) -650 (words)] TJ"), {"two words"});
+    row("wide space behind a sentence", inHelvetica("[(\"It is.\") -900 (So)] TJ"),
+        {"\"It is.\" So"});
+    row("letters far apart", inHelvetica("8 Tc (TAX NO) Tj"), {"TAX NO"});
+    row("column gap by movement", inHelvetica("[(Label) -750 (Value)] TJ"), {"Label", "Value"});
+    row("two columns side by side",
+        simplePdf({showText(20, 100, "Label", 10) + showText(52.5, 100, "Value", 10)}),
+        {"Label", "Value"});
+    row("column gap behind a blank", inHelvetica("[(Label ) -750 (Value)] TJ"), {"Label", "Value"});
+    row("blank of an em",
+        mappedPdf("BT /F2 12 Tf 20 100 Td (a) Tj 4.8 Tc (b) Tj 0 Tc (a) Tj ET", {"65E5", "3000"}),
+        {QString::fromUtf8("日 日")});
     row("words shown one by one",
         simplePdf({showText(20, 100, "one", 10) + showText(38.5, 100, "by", 10) +
                    showText(51.5, 100, "one", 10)}),
@@ -223,9 +234,10 @@ void TestLayout::fragmentTexts_data()
             {showText(20, 100, "1") + showText(26.7, 104, "st", 8) + showText(37, 100, "of May")}),
         {"1st of May"});
     row("raised letters as wide as a column gap",
-        simplePdf(
-            {showText(20, 100, "x") + showText(26, 104, "\\(1+10\\)", 8) + showText(50, 100, "y")}),
-        {"x(1+10)y"});
+        simplePdf({showText(20, 100, "x") + showText(26, 104, "\\(1+10\\)", 8) +
+                   showText(50, 100, "y") + showText(56, 104, "\\(1+10\\)", 8) +
+                   showText(80, 100, "z")}),
+        {"x(1+10)y(1+10)z"});
     row("lowered letters drawn first",
         simplePdf({showText(28.7, 98, "2", 8) + showText(50.5, 98, "4", 8) +
                    showText(20, 100, "H") + showText(33.1, 100, "SO")}),
