@@ -12,6 +12,7 @@
 
 #include <cerrno>
 #include <csignal>
+#include <cstdint>
 #include <fcntl.h>
 #include <memory>
 #include <sys/mman.h>
@@ -88,8 +89,9 @@ void resetSignals()
 
 void crash()
 {
-    volatile int *volatile nowhere = nullptr;
-    *nowhere = 1;
+    // Not null, which sanitizers report instead.
+    volatile std::uintptr_t nowhere = 4096;
+    *reinterpret_cast<volatile int *>(nowhere) = 1;
 }
 
 void loop()
