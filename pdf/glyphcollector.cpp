@@ -181,8 +181,10 @@ void GlyphCollector::place(const Baseline &line, const PlacedGlyph &glyph)
 {
     if (isRepetition(line, glyph))
         return;
-    const bool isSpaced = hasBlank && isBehindBlank(line, glyph.start);
-    const bool isContinued = continuesRun(line, glyph.start, isSpaced);
+    // The first test settles nearly all glyphs.
+    bool isContinued = continuesRun(line, glyph.start, false);
+    const bool isSpaced = hasBlank && (isContinued || isBehindBlank(line, glyph.start));
+    isContinued = isContinued || (isSpaced && continuesRun(line, glyph.start, true));
     if (!isContinued) {
         GlyphRun run;
         run.line = line;
@@ -190,7 +192,7 @@ void GlyphCollector::place(const Baseline &line, const PlacedGlyph &glyph)
         runs.push_back(std::move(run));
     }
     PlacedGlyph placed = glyph;
-    placed.hasBlankBefore = isSpaced || (isContinued && hasBlank);
+    placed.hasBlankBefore = isSpaced;
     runs.back().append(placed);
     hasBlank = false;
     skipsContinuations = false;

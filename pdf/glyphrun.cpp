@@ -9,6 +9,13 @@
 
 namespace pdf {
 
+namespace {
+
+/// Where no blank is shown, what is farther apart are two texts, see GlyphRun::widestGap().
+constexpr double widestMoveEm = 0.7;
+
+} // namespace
+
 bool isSameGlyph(const PlacedGlyph &a, const PlacedGlyph &b, double em)
 {
     // The narrowest letters of narrow fonts advance by 0.18 em; in fonts whose size says little
@@ -26,7 +33,8 @@ bool GlyphRun::isFollowedFrom(double start, bool hasBlankBefore) const
     const PlacedGlyph &last = glyphs.back();
     const double earliest = std::min(last.end - farthestBackEm * line.em,
                                      last.start + leastAdvance * (last.end - last.start));
-    return start >= earliest && start <= last.end + widestGap(hasBlankBefore);
+    return start >= earliest && (start <= last.end + widestMoveEm * line.em ||
+                                 start <= last.end + widestGap(hasBlankBefore));
 }
 
 void GlyphRun::append(const PlacedGlyph &glyph)
@@ -97,7 +105,6 @@ double GlyphRun::widestGap(bool hasBlank) const
     // have their columns 0.75 em apart. A shown blank can be an em wide by itself (U+3000), and
     // two of a typewriter font are as wide as a column gap. No limit is an em exactly, which is a
     // common distance (a quad).
-    constexpr double widestMoveEm = 0.7;
     constexpr double widestBehindSentenceEm = 0.95;
     constexpr double widestBlankEm = 1.05;
     double widest = widestBlankEm;
