@@ -11,9 +11,6 @@
 #include <QSettings>
 #include <QTest>
 
-#include <memory>
-#include <vector>
-
 namespace {
 
 void save(const QString &name, const Subtext &fragment)
@@ -22,22 +19,20 @@ void save(const QString &name, const Subtext &fragment)
     saveRule(settings, name, fragment);
 }
 
-/// The settings file as a program sees it that starts now. The settings library remembers what it
-/// has written to a file, so only a copy shows what really went through the file.
-class Restarted
+/// The settings as a program sees them that starts now. The settings library remembers what it has
+/// written to a file, so only a copy shows what really went through the file.
+struct Restarted : QSettings
 {
-public:
-    Restarted()
-    {
-        QFile::remove(copyName);
-        QFile::copy(settingsFileName(), copyName);
-        settings = std::make_unique<QSettings>(copyName, QSettings::IniFormat);
-    }
-    QSettings &operator*() const { return *settings; }
+    Restarted() : QSettings(copy(), QSettings::IniFormat) {}
 
 private:
-    QString copyName = QStringLiteral("copy.ini");
-    std::unique_ptr<QSettings> settings;
+    static QString copy()
+    {
+        const QString name = QStringLiteral("copy.ini");
+        QFile::remove(name);
+        QFile::copy(settingsFileName(), name);
+        return name;
+    }
 };
 
 /// Saves `count` rules "PREFIX 0", "PREFIX 1", ..., each with settings opened anew, as windows do.
@@ -63,37 +58,33 @@ private slots:
         QTest::addColumn<QString>("string");
         // clang-format off
         for (const char *string :
-             {"Invoice No", " blanks around ", "   ", "Rechnungs-Nr. für Ärzte", "发票号 №7 🧾",
-              "فاتورة 5", "100%", "%41%20", "a=b", "a;b #c", "; comment", "a, b,", ",", "[group]",
-              "back\\slash\\", "\\n", "\\x41", "\"quoted\"", "\"", "@ByteArray(x)", "@Invalid()",
-              "@@", "&amp;<b>", "line\nbreak\r\n", "tab\tform\fbell\a", "\x7f\0011",
-              "NEL\u0085LS\u2028PS\u2029BOM\uFEFFend", "General", "general", "file", "currule",
-              "zeph", "2024/May", "[/", "GENERAL/1", "/"})
+             {" blanks around ", "   ", "Rechnungs-Nr. für Ärzte", "发票号 №7 🧾", "فاتورة 5",
+              "%41%20 100%", "a=b;c #d", "; comment", "a, b,", "[group]", "back\\slash\\x41\\n\\",
+              "\"quoted\"", "@ByteArray(x)", "@@", "line\nbreak\r\ntab\tbell\a\x7f\0011",
+              "NEL\u0085LS\u2028PS\u2029BOM\uFEFFend", "General", "general", "GENERAL/1", "file",
+              "currule", "zeph", "2024/May", "/"})
             QTest::newRow(string) << QString::fromUtf8(string);
         // clang-format on
     }
     void everyStringSurvives()
     {
         QFETCH(QString, string);
-        {
-            QSettings settings(settingsFileName(), QSettings::IniFormat);
-            settings.setValue("file/file", "sample.pdf");
-        }
+        QSettings(settingsFileName(), QSettings::IniFormat).setValue("file/file", "sample.pdf");
         save("first", {1, 2, 3, 4, ""});
         save(string, {64, 118, 93, 15, string});
-        const Restarted after;
-        QVERIFY(isRuleNameTaken(*after, string));
-        QVERIFY(!isRuleNameTaken(*after, string + "x"));
+        Restarted after;
+        QVERIFY(isRuleNameTaken(after, string));
+        QVERIFY(!isRuleNameTaken(after, string + "x"));
         // A "/" makes a sub-group, and only direct keys of the group of names are listed.
-        QCOMPARE(ruleNames(*after).contains(string), !string.contains('/'));
-        QCOMPARE(currentRuleName(*after), string);
-        const Subtext rule = readRule(*after, string);
+        QCOMPARE(ruleNames(after).contains(string), !string.contains('/'));
+        QCOMPARE(currentRuleName(after), string);
+        const Subtext rule = readRule(after, string);
         QCOMPARE(QList<int>({rule.left, rule.top, rule.width, rule.height}),
                  QList<int>({64, 118, 93, 15}));
         QCOMPARE(rule.text, string);
-        QCOMPARE(readRule(*after, "first").height, 4);
-        QCOMPARE(readRule(*after, "first").text, QString());
-        QCOMPARE((*after).value("file/file").toString(), QStringLiteral("sample.pdf"));
+        QVERIFY(ruleNames(after).contains("first"));
+        QCOMPARE(readRule(after, "first").height, 4);
+        QCOMPARE(after.value("file/file").toString(), QStringLiteral("sample.pdf"));
     }
 
     void namesThatWouldShareAGroup()
@@ -101,9 +92,9 @@ private slots:
         save("general", {1, 2, 3, 4, "one"});
         const Restarted after;
         for (const char *name : {"general", "General", "GENERAL"})
-            QVERIFY2(isRuleNameTaken(*after, name), name);
+            QVERIFY2(isRuleNameTaken(after, name), name);
         for (const char *name : {"General 2", "zeph", "Eneral"})
-            QVERIFY2(!isRuleNameTaken(*after, name), name);
+            QVERIFY2(!isRuleNameTaken(after, name), name);
     }
 
     /// What Qt 4 wrote: no byte above 127; characters as \xNN, in keys as %NN or %UNNNN.
@@ -111,23 +102,23 @@ private slots:
     {
         QFile file(settingsFileName());
         QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write("[zeph]\nInvoice%20No=1\nGr%F6%DFe=1\n%U53D1%U7968=1\nold=0\n\n"
+        file.write("[zeph]\nInvoice%20No=1\nGr%F6%DFe=1\n%U53D1%U7968=1\nold=0\nyes=true\n\n"
                    "[currule]\nrule=Gr\\xf6\\xdf\\x65\n\n"
-                   "[Gr%F6%DFe]\nxpos=64\nypos=118\nwid=93\nhei=15\ntext=\"M\\xfcller, "
-                   "\\x53d1\\x7968\"\n\n"
-                   "[%U53D1%U7968]\nxpos=7\nypos=x\n\n");
+                   "[Gr%F6%DFe]\nxpos=64\nypos=x\ntext=\"M\\xfcller, \\x53d1\\x7968\"\n\n"
+                   "[%U53D1%U7968]\nxpos=7\n\n");
         file.close();
-        const Restarted now;
+        Restarted now;
         const QString size = QString::fromUtf8("Größe");
         const QString chinese = QString::fromUtf8("发票");
-        QCOMPARE(ruleNames(*now).size(), 4);
-        QVERIFY(ruleNames(*now).contains(size) && ruleNames(*now).contains(chinese));
-        QCOMPARE(currentRuleName(*now), size);
-        QCOMPARE(readRule(*now, size).text, QString::fromUtf8("Müller, 发票"));
-        QCOMPARE(readRule(*now, size).left, 64);
-        QCOMPARE(readRule(*now, chinese).left, 7);
-        QCOMPARE(readRule(*now, chinese).top, 0);
-        QVERIFY(isRuleNameTaken(*now, "Invoice No") && !isRuleNameTaken(*now, "old"));
+        QCOMPARE(ruleNames(now).size(), 5);
+        QVERIFY(ruleNames(now).contains(size) && ruleNames(now).contains(chinese));
+        QCOMPARE(currentRuleName(now), size);
+        QCOMPARE(readRule(now, size).text, QString::fromUtf8("Müller, 发票"));
+        QCOMPARE(readRule(now, size).left, 64);
+        QCOMPARE(readRule(now, size).top, 0);
+        QCOMPARE(readRule(now, chinese).left, 7);
+        QVERIFY(isRuleNameTaken(now, "Invoice No"));
+        QVERIFY(!isRuleNameTaken(now, "old") && !isRuleNameTaken(now, "yes"));
     }
 
     void windowsThatSaveAtTheSameTime()
@@ -136,24 +127,19 @@ private slots:
         // As the main window keeps them while its rule editor is open.
         QSettings settings(settingsFileName(), QSettings::IniFormat);
         settings.setValue("file/page", "1");
-        std::vector<std::unique_ptr<QProcess>> windows;
-        for (const char *prefix : {"a", "b", "c"}) {
-            windows.push_back(std::make_unique<QProcess>());
-            windows.back()->start(QCoreApplication::applicationFilePath(),
-                                  {"save-many", prefix, QString::number(perWindow)});
+        QProcess windows[2];
+        for (QProcess &window : windows) {
+            const QString prefix(QChar('a' + int(&window - windows)));
+            window.start(QCoreApplication::applicationFilePath(),
+                         {"save-many", prefix, QString::number(perWindow)});
         }
         saveMany("own", perWindow);
-        for (const auto &window : windows) {
-            QVERIFY(window->waitForFinished(60000));
-            QCOMPARE(window->exitCode(), 0);
-        }
-        const Restarted after;
-        QCOMPARE(ruleNames(*after).size(), 4 * perWindow);
-        for (const char *prefix : {"a", "b", "c", "own"}) {
-            const Subtext last = readRule(*after, QStringLiteral("%1 39").arg(prefix));
-            QCOMPARE(last.left, 40);
-            QCOMPARE(last.text, QLatin1String(prefix));
-        }
+        for (QProcess &window : windows)
+            QVERIFY(window.waitForFinished(60000) && window.exitCode() == 0);
+        Restarted after;
+        QCOMPARE(ruleNames(after).size(), 3 * perWindow);
+        for (const char *prefix : {"a", "b", "own"})
+            QCOMPARE(readRule(after, QStringLiteral("%1 39").arg(prefix)).text, prefix);
     }
 };
 
