@@ -14,17 +14,10 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QTableWidget>
 #include <QTest>
 #include <QUrl>
-
-namespace {
-QStringList messages;
-void collect(QtMsgType, const QMessageLogContext &, const QString &text)
-{
-    messages << text;
-}
-} // namespace
 
 class AboutDialogTest : public QObject
 {
@@ -44,12 +37,9 @@ private:
 
 void AboutDialogTest::showsProductAndLinks()
 {
-    const auto previous = qInstallMessageHandler(collect);
+    QTest::ignoreMessage(QtWarningMsg, // and fail without it
+                         QRegularExpression("No such slot AboutDialog::openmailpage.QString"));
     AboutDialog dialog;
-    qInstallMessageHandler(previous);
-    QCOMPARE(messages.filter("No such slot AboutDialog::openmailpage(QString)").size(), 1);
-    QCOMPARE(messages.filter("QObject::connect: ").size(), messages.size());
-
     for (const char *scheme : {"https", "mailto"})
         QDesktopServices::setUrlHandler(scheme, this, "opened");
     auto *home = dialog.findChild<QLabel *>("label_homepage");

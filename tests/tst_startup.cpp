@@ -19,9 +19,8 @@ namespace {
 QStringList logLines()
 {
     QFile file(logFile());
-    return file.open(QIODevice::ReadOnly)
-               ? QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'))
-               : QStringList();
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()).split('\n')
+                                          : QStringList();
 }
 
 QStringList temporaryFolders()
@@ -29,26 +28,16 @@ QStringList temporaryFolders()
     return QDir(QDir::tempPath()).entryList({"sendrivo-*"}, QDir::Dirs);
 }
 
-/// The program, started in a folder and ended by a signal as a logout or Ctrl-C does.
-class Run
+/// The program, ended by a signal as a logout or Ctrl-C does.
+struct Run : QProcess
 {
-public:
-    explicit Run(const QString &folder)
-    {
-        program.setWorkingDirectory(folder);
-        program.start(SENDRIVO_PROGRAM, QStringList());
-    }
-
-    [[nodiscard]] static bool isUp() { return !logLines().isEmpty(); }
+    Run() { start(SENDRIVO_PROGRAM, QStringList()); }
 
     [[nodiscard]] bool end(int signal)
     {
-        kill(static_cast<pid_t>(program.processId()), signal);
-        return program.waitForFinished(10000) && program.exitStatus() == QProcess::NormalExit &&
-               program.exitCode() == 0;
+        ::kill(static_cast<pid_t>(processId()), signal);
+        return waitForFinished(10000) && exitStatus() == NormalExit && exitCode() == 0;
     }
-
-    QProcess program;
 };
 
 } // namespace
@@ -80,55 +69,45 @@ private slots:
     {
         QFETCH(int, type);
         QFETCH(QString, message);
+        QFETCH(QString, logged);
         QVERIFY(QDir().mkpath(dataFolder()));
         customMessageHandler(QtMsgType(type), {}, message);
         customMessageHandler(QtMsgType(type), {}, message);
         QFile log(logFile());
         QVERIFY(log.open(QIODevice::ReadOnly));
-        QFETCH(QString, logged);
         QCOMPARE(QString::fromUtf8(log.readAll()), logged + logged);
         QVERIFY(QDir(dataFolder()).removeRecursively()); // from now on messages are lost
         customMessageHandler(QtMsgType(type), {}, message);
         QVERIFY(!QFile::exists(logFile()));
     }
 
-    void eachRunHasItsOwnLog()
-    {
-        for (const QString &name : {QStringLiteral("first"), QStringLiteral("second")}) {
-            QVERIFY(QDir::current().mkpath(name));
-            const QString folder = QDir::current().filePath(name);
-            const QString firstLine = QStringLiteral("Debug: Current path: \"%1\" ").arg(folder);
-            Run run(folder);
-            QTRY_VERIFY(logLines().value(0) == firstLine);
-            QVERIFY(run.end(SIGTERM));
-            QCOMPARE(logLines().filter("Current path:").size(), 1);
-            QCOMPARE(logLines().value(1), QString());
-            QCOMPARE(run.program.readAllStandardError(), QByteArray());
-        }
-    }
-
-    void temporaryFolderIsPrivateAndGoes_data()
+    /// Each run has a log and a private temporary folder of its own, and ends in good order.
+    void run_data()
     {
         QTest::addColumn<int>("signal");
         QTest::newRow("terminated") << SIGTERM;
         QTest::newRow("interrupted") << SIGINT;
         QTest::newRow("session ended") << SIGHUP;
     }
-    void temporaryFolderIsPrivateAndGoes()
+    void run()
     {
         QFETCH(int, signal);
-        Run first(QDir::currentPath());
-        Run second(QDir::currentPath());
-        QTRY_VERIFY(Run::isUp());
+        Run first;
+        QTRY_COMPARE(logLines().value(0),
+                     QStringLiteral("Debug: Current path: \"%1\" ").arg(QDir::currentPath()));
+        QCOMPARE(logLines().value(1), QString());
+        Run second;
         QTRY_COMPARE(temporaryFolders().size(), 2);
         for (const QString &name : temporaryFolders()) {
             const QFileInfo folder(QDir::temp().filePath(name));
             QCOMPARE(folder.permissions() & (QFile::ReadGroup | QFile::ReadOther), 0);
         }
         QVERIFY(first.end(signal));
+        QCOMPARE(first.readAllStandardError(), QByteArray());
         QTRY_COMPARE(temporaryFolders().size(), 1);
         QVERIFY(second.end(signal));
         QCOMPARE(temporaryFolders().size(), 0);
+        QCOMPARE(logLines().filter("Current path:").size(), 1);
     }
 };
 
