@@ -8,38 +8,28 @@
 #include "tests/support/pdfbuilder.h"
 #include "tests/support/pdfreader.h"
 #include "tests/support/privatefolders.h"
-#include "tests/support/ruleeditordriver.h"
 #include "tests/support/samplepdf.h"
 #include "tests/support/windowdriver.h"
 
 #include <QApplication>
 #include <QComboBox>
 #include <QDir>
+#include <QLabel>
 #include <QLineEdit>
 #include <QNetworkReply>
 #include <QRegion>
-#include <QRegularExpression>
-#include <QSettings>
+#include <QScrollArea>
 #include <QSpinBox>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QToolTip>
 #include <QWheelEvent>
+#include <QWindow>
 
 namespace {
 
 /// Where the invoice number stands on every sample page.
 constexpr QPoint numberPlace(604, 168);
-
-QString path(const QString &name)
-{
-    return QDir::current().filePath(name);
-}
-
-QString layoutOfPage()
-{
-    return previewLayoutFile(QDir::tempPath());
-}
 
 /// The layout line of a fragment, as quillrend writes it.
 QByteArray line(const QRect &box, const QByteArray &text)
@@ -79,24 +69,91 @@ QString misplaced(const QImage &image, const QList<QPushButton *> &boxes)
     return {};
 }
 
-/// The sheet numbers on the pages of each document in a folder, documents joined by "|".
-QString sheetsOfDocuments(const QString &folder)
+/// Uses a rule editor as a person does: by its widgets, with the mouse cursor where the click is.
+class EditorDriver
 {
-    static const QRegularExpression sheet(QStringLiteral("Sheet (\\d+)"));
-    QMap<int, QString> sheets;
-    for (const QFileInfo &file : QDir(folder).entryInfoList(QDir::Files)) {
-        QStringList numbers;
-        for (const QString &text : pdfreader::pageTexts(file.filePath()))
-            numbers.append(sheet.match(text).captured(1));
-        sheets.insert(file.fileName().section(' ', 0, 0).toInt(), numbers.join(' '));
+public:
+    explicit EditorDriver(QDialog &editor) : dialog(editor) {}
+
+    template <typename Widget>
+    [[nodiscard]] Widget *widget(const char *name) const
+    {
+        return dialog.findChild<Widget *>(QLatin1String(name));
     }
-    return QStringList(sheets.values()).join('|');
-}
+    /// The rule as it would be saved.
+    [[nodiscard]] QString candidate() const
+    {
+        return widget<QLineEdit>("lineEdit_rulebefore")->text();
+    }
+    [[nodiscard]] QScrollArea *view() const { return dialog.findChild<QScrollArea *>(); }
+    /// Shows the page and holds the boxes.
+    [[nodiscard]] QLabel *page() const { return qobject_cast<QLabel *>(view()->widget()); }
+    [[nodiscard]] QImage image() const { return page()->pixmap(Qt::ReturnByValue).toImage(); }
+    /// The boxes of the page, in the order of the layout.
+    [[nodiscard]] QList<QPushButton *> boxes() const { return buttons(true); }
+    /// The box over the fragment with this text, or null.
+    [[nodiscard]] QPushButton *box(const QString &fragment) const
+    {
+        for (QPushButton *button : boxes()) {
+            if (button->accessibleName() == fragment)
+                return button;
+        }
+        return nullptr;
+    }
+    /// The button beside the picked box, or null when it is not offered.
+    [[nodiscard]] QPushButton *confirmButton() const { return buttons(false).value(0); }
+    [[nodiscard]] bool waitForBoxes() const
+    {
+        return QTest::qWaitFor([this] { return !boxes().isEmpty(); }, 30000);
+    }
+    void click(const QByteArray &name) const
+    {
+        QTest::mouseClick(widget<QPushButton>("pushButton_" + name), Qt::LeftButton);
+    }
+    /// Clicks into the page view; `place` in its pixels.
+    void clickAt(QPoint place) const
+    {
+        view()->ensureVisible(place.x(), place.y());
+        QCursor::setPos(page()->mapToGlobal(place));
+        // To the window, which finds the widget at this place itself.
+        QTest::mouseClick(dialog.windowHandle(), Qt::LeftButton, {}, page()->mapTo(&dialog, place));
+    }
+    /// What the editor shows as the rule after a click on a box and on the button beside it; empty
+    /// when there was no such button.
+    [[nodiscard]] QString makeRuleAt(QPoint place) const
+    {
+        clickAt(place);
+        const QPushButton *button = confirmButton();
+        if (!button)
+            return {};
+        clickAt(button->geometry().center());
+        return candidate();
+    }
+    void typeName(const QString &name) const
+    {
+        auto *edit = widget<QLineEdit>("lineEdit_rule");
+        edit->clear();
+        QTest::keyClicks(edit, name);
+    }
+
+private:
+    [[nodiscard]] QList<QPushButton *> buttons(bool areBoxes) const
+    {
+        QList<QPushButton *> found;
+        for (QPushButton *button : page()->findChildren<QPushButton *>()) {
+            if (button->isFlat() == areBoxes && (areBoxes || button->isVisible()))
+                found.append(button);
+        }
+        return found;
+    }
+
+    QDialog &dialog;
+};
 
 /// A rule editor opened on a file as the main window opens it.
-struct Editor : Rules, RuleEditorDriver
+struct Editor : Rules, EditorDriver
 {
-    Editor() : RuleEditorDriver(static_cast<QDialog &>(*this)) {}
+    Editor() : EditorDriver(static_cast<QDialog &>(*this)) {}
     /// Opened with the boxes of the first page.
     Editor(const QString &file, int pages) : Editor()
     {
@@ -106,11 +163,8 @@ struct Editor : Rules, RuleEditorDriver
 
     bool openOn(const QString &file, int pages)
     {
-        {
-            QSettings settings(settingsFileName(), QSettings::IniFormat);
-            settings.setValue("file/file", file);
-            settings.setValue("file/page", QString::number(pages));
-        }
+        storedSettings().setValue("file/file", file);
+        storedSettings().setValue("file/page", QString::number(pages));
         const bool isPrepared = setIniImage();
         show();
         return isPrepared;
@@ -126,17 +180,12 @@ struct Editor : Rules, RuleEditorDriver
         return flags;
     }
     [[nodiscard]] QSpinBox *pageBox() const { return widget<QSpinBox>("spinBox_pagenumber"); }
-    [[nodiscard]] QImage image() const { return page()->pixmap(Qt::ReturnByValue).toImage(); }
-    [[nodiscard]] QString candidate() const
-    {
-        return widget<QLineEdit>("lineEdit_rulebefore")->text();
-    }
     /// Has the page shown again with this layout.
     [[nodiscard]] bool reload(const QByteArray &layout)
     {
-        writeFile(layoutOfPage(), layout);
-        click("pushButton_zoomin");
-        click("pushButton_zoomout");
+        writeFile(previewLayoutFile(QDir::tempPath()), layout);
+        click("zoomin");
+        click("zoomout");
         return waitForBoxes();
     }
     [[nodiscard]] bool staysWithoutBoxes() const
@@ -150,7 +199,7 @@ struct Editor : Rules, RuleEditorDriver
         QString shown;
         typeName(name);
         acceptMessageBox(&shown);
-        click("pushButton_save");
+        click("save");
         return shown;
     }
 };
@@ -162,13 +211,13 @@ class TestRuleEditor : public QObject
 {
     Q_OBJECT
 
-    const QString sample = path("sample.pdf");
+    const QString sample = workPath("sample.pdf");
 
 private slots:
     void initTestCase()
     {
         QVERIFY(writeSamplePdf(sample, {{"INV-1", "Ash", 2}, {"INV-2", "Birch", 1}}));
-        writeFile(path("broken.pdf"), "no PDF");
+        writeFile(workPath("broken.pdf"), "no PDF");
     }
     void cleanup() { QFile::remove(settingsFileName()); }
 
@@ -182,12 +231,8 @@ private slots:
             QTest::newRow(name) << layout << QString::fromUtf8(prefix);
         };
         row("portrait", SampleLayout::Portrait);
-        row("landscape", SampleLayout::Landscape);
-        row("rotated by 90", SampleLayout::Rotated90);
-        row("rotated by 180", SampleLayout::Rotated180);
-        row("rotated by 270", SampleLayout::Rotated270);
+        row("rotated", SampleLayout::Rotated90);
         row("cropped", SampleLayout::Cropped);
-        row("Hebrew", SampleLayout::Portrait, "חשבונית ");
         row("Arabic", SampleLayout::Portrait, "فاتورة ");
         row("Chinese", SampleLayout::Portrait, "发票号");
     }
@@ -206,12 +251,12 @@ private slots:
         QVERIFY(driver.add({file}));
         QSet<QString> rules;
         whenDialogOpens([&](QDialog *dialog) {
-            const RuleEditorDriver editor(*dialog);
-            QCOMPARE(editor.page()->pixmap(Qt::ReturnByValue).size(), rendered.size());
+            const EditorDriver editor(*dialog);
+            QCOMPARE(editor.image().size(), rendered.size());
             for (const char *step : {"zoomout", "zoomin", "zoomin"}) {
-                editor.click("pushButton_" + QByteArray(step));
+                editor.click(step);
                 QVERIFY(editor.waitForBoxes());
-                const QImage shown = editor.page()->pixmap(Qt::ReturnByValue).toImage();
+                const QImage shown = editor.image();
                 const QImage expected =
                     rendered.scaled(shown.size(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
                 QCOMPARE(misplaced(shown, editor.boxes()), QString());
@@ -220,32 +265,32 @@ private slots:
                 rules.insert(editor.makeRuleAt((QPointF(numberPlace) * zoom).toPoint()));
             }
             editor.typeName(name);
-            editor.click("pushButton_save");
+            editor.click("save");
         });
         driver.click("pushButton_option");
         QCOMPARE(rules.size(), 1);
         QCOMPARE(driver.widget<QComboBox>("comboBox_rule")->currentText(), name);
         driver.setOutputFolder(folder.path());
         QVERIFY(driver.split());
-        QCOMPARE(sheetsOfDocuments(folder.filePath("in")), QStringLiteral("1 2|3|4 5 6"));
+        QStringList ranges;
+        for (const QString &document : QDir(folder.filePath("in")).entryList(QDir::Files))
+            ranges.append(document.section(' ', -1));
+        QCOMPARE(ranges, QStringList({"1-2.pdf", "3.pdf", "4-6.pdf"}));
     }
 
     void cancellingChoosesTheFirstRule()
     {
-        {
-            QSettings settings(settingsFileName(), QSettings::IniFormat);
-            for (const char *name : {"a", "b"})
-                saveRule(settings, name, {});
-        }
+        QSettings settings = storedSettings();
+        for (const char *name : {"a", "b"})
+            saveRule(settings, name, {});
         WindowDriver driver;
         auto *rules = driver.widget<QComboBox>("comboBox_rule");
         rules->setCurrentIndex(1);
         whenDialogOpens([](QDialog *) {});
         driver.click("pushButton_option");
         QCOMPARE(rules->currentIndex(), 0);
-        const QSettings settings(settingsFileName(), QSettings::IniFormat);
-        QCOMPARE(settings.value("file/file").toString() + settings.value("file/page").toString(),
-                 QStringLiteral("Empty input0"));
+        QCOMPARE(settings.value("file/file").toString(), QStringLiteral("Empty input"));
+        QCOMPARE(settings.value("file/page").toString(), QStringLiteral("0"));
     }
 
     void picking_data()
@@ -303,10 +348,8 @@ private slots:
     {
         Editor editor(sample, 3);
         QVERIFY(!editor.makeRuleAt(numberPlace).isEmpty());
-        {
-            QSettings settings(settingsFileName(), QSettings::IniFormat);
-            saveRule(settings, "old", {1, 2, 3, 4, "x"});
-        }
+        QSettings settings = storedSettings();
+        saveRule(settings, "old", {1, 2, 3, 4, "x"});
         const QString taken = "Existed Rule Name: The rule name has been used, Please input "
                               "another one";
         QCOMPARE(editor.refusal(""), QStringLiteral("Empty Rule Name: Please input rule name"));
@@ -322,8 +365,7 @@ private slots:
         QCOMPARE(editor.enabled(), "1101111");
         QCOMPARE(editor.refusal("new one"), taken);
         editor.typeName("another");
-        editor.click("pushButton_save");
-        QSettings settings(settingsFileName(), QSettings::IniFormat);
+        editor.click("save");
         QCOMPARE(ruleNames(settings), QStringList({"another", "new one", "old"}));
         QCOMPARE(currentRuleName(settings), QStringLiteral("another"));
         const Subtext rule = readRule(settings, "another");
@@ -337,7 +379,7 @@ private slots:
         Editor editor(sample, 3);
         QVERIFY(editor.box("Page 1 of 2"));
         QCOMPARE(editor.enabled(), "1101000");
-        editor.click("pushButton_up");
+        editor.click("up");
         QVERIFY2(editor.boxes().isEmpty(), "boxes of the page before");
         QTRY_VERIFY(editor.box("Page 2 of 2"));
         QCOMPARE(editor.enabled(), "1111000");
@@ -348,8 +390,8 @@ private slots:
         QTRY_VERIFY(editor.box("Birch"));
         QCOMPARE(editor.enabled(), "1110000");
         // Two page changes before the layout of the first has been read.
-        editor.click("pushButton_down");
-        editor.click("pushButton_up");
+        editor.click("down");
+        editor.click("up");
         QVERIFY(editor.waitForBoxes());
         QVERIFY(editor.box("Birch") && !editor.box("Ash"));
 
@@ -375,7 +417,7 @@ private slots:
         QCOMPARE(turnWheel(120, {300, 400}), height);
         QCOMPARE(turnWheel(0, buttonRow), int(height * 0.8F));
         // Kept across pages and openings.
-        editor.click("pushButton_up");
+        editor.click("up");
         QVERIFY(editor.openOn(sample, 3));
         QCOMPARE(editor.image().height(), int(height * 0.8F));
     }
@@ -383,14 +425,13 @@ private slots:
     /// The page image stays, without boxes, and the way back works.
     void zoomBeyondWhatCanBeShown()
     {
-        const QByteArrayList both = {"pushButton_zoomin", "pushButton_zoomout"};
+        const QByteArrayList both = {"zoomin", "zoomout"};
         for (const int direction : {0, 1}) {
             Editor editor(sample, 3);
             const int height = editor.image().height();
             for (int step = 0; step < 40; ++step)
                 editor.click(both[direction]);
-            QVERIFY(!editor.image().isNull());
-            QVERIFY(editor.staysWithoutBoxes());
+            QVERIFY(!editor.image().isNull() && editor.staysWithoutBoxes());
             for (int step = 0; step < 40; ++step)
                 editor.click(both[1 - direction]);
             QVERIFY(editor.waitForBoxes());
@@ -407,7 +448,7 @@ private slots:
         QVERIFY(editor.image().isNull());
 
         QVERIFY(editor.openOn(sample, 3) && editor.waitForBoxes());
-        QVERIFY(!editor.openOn(path("missing.pdf"), 7));
+        QVERIFY(!editor.openOn(workPath("missing.pdf"), 7));
         QVERIFY(editor.boxes().isEmpty());
         QCOMPARE(editor.pageBox()->maximum(), 7);
         QTest::mouseClick(&editor, Qt::LeftButton, {}, QPoint(5, 5));
@@ -418,23 +459,18 @@ private slots:
         Editor editor(sample, 9);
         editor.pageBox()->setValue(4);
         QVERIFY2(editor.image().isNull(), "a page that is not there after all");
-        editor.click("pushButton_zoomout");
+        editor.click("zoomout");
         QVERIFY(editor.staysWithoutBoxes());
-        editor.click("pushButton_down");
+        editor.click("down");
         QTRY_VERIFY(editor.box("Birch"));
 
-        for (const bool isLayoutLeft : {true, false}) {
-            QVERIFY(editor.openOn(sample, 9) && editor.waitForBoxes());
-            if (!isLayoutLeft)
-                QFile::remove(layoutOfPage());
-            QVERIFY(editor.openOn(path("broken.pdf"), 9));
-            QVERIFY(editor.image().isNull() && editor.staysWithoutBoxes());
-        }
+        QVERIFY(editor.openOn(workPath("broken.pdf"), 9));
+        QVERIFY(editor.image().isNull() && editor.staysWithoutBoxes());
 
         QVERIFY(editor.openOn(sample, 3) && editor.waitForBoxes());
         const QString tool = QCoreApplication::applicationDirPath() + "/quillrend";
         QVERIFY(QFile::rename(tool, tool + ".away"));
-        editor.click("pushButton_up");
+        editor.click("up");
         QVERIFY(QFile::rename(tool + ".away", tool));
         QVERIFY(editor.image().isNull() && editor.staysWithoutBoxes());
     }

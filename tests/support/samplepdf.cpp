@@ -20,34 +20,24 @@ constexpr qreal cropMargin = 40;     // points that the crop box hides on each s
 
 struct PageShape
 {
-    QSizeF displayed;          ///< what a reader sees, in points
     QSizeF media;              ///< what is drawn on, in points
-    QTransform displayToMedia; ///< both with the origin at the top left corner
+    QTransform displayToMedia; ///< from what a reader sees; both from the top left corner
     int rotation = 0;
     bool isCropped = false;
 };
 
 PageShape shapeOf(SampleLayout layout)
 {
-    const QSizeF landscape = portrait.transposed();
-    const qreal w = portrait.width();
-    const qreal h = portrait.height();
     switch (layout) {
     case SampleLayout::Portrait:
         break;
-    case SampleLayout::Landscape:
-        return {landscape, landscape, {}, 0, false};
     case SampleLayout::Rotated90:
-        return {portrait, landscape, QTransform(0, -1, 1, 0, 0, w), 90, false};
-    case SampleLayout::Rotated180:
-        return {portrait, portrait, QTransform(-1, 0, 0, -1, w, h), 180, false};
-    case SampleLayout::Rotated270:
-        return {portrait, landscape, QTransform(0, 1, -1, 0, h, 0), 270, false};
+        return {portrait.transposed(), QTransform(0, -1, 1, 0, 0, portrait.width()), 90};
     case SampleLayout::Cropped:
-        return {portrait, portrait.grownBy({cropMargin, cropMargin, cropMargin, cropMargin}),
+        return {portrait.grownBy({cropMargin, cropMargin, cropMargin, cropMargin}),
                 QTransform::fromTranslate(cropMargin, cropMargin), 0, true};
     }
-    return {portrait, portrait, {}, 0, false};
+    return {portrait, {}};
 }
 
 /// Draws with points as the unit, on a device of any resolution.
@@ -78,7 +68,7 @@ public:
     void line(qreal y)
     {
         painter.setPen(QPen(QColor(0x70, 0x80, 0x90), 0.6 * unit));
-        painter.drawLine(QPointF(56, y) * unit, QPointF(page.displayed.width() - 56, y) * unit);
+        painter.drawLine(QPointF(56, y) * unit, QPointF(portrait.width() - 56, y) * unit);
         painter.setPen(Qt::black);
     }
 

@@ -20,11 +20,8 @@ struct SampleInvoice
 /// How the pages of a sample file are made. All of them show upright text to the reader.
 enum class SampleLayout {
     Portrait,
-    Landscape,
     Rotated90, ///< drawn sideways and turned by /Rotate, as scanners do
-    Rotated180,
-    Rotated270,
-    Cropped ///< larger than what its crop box shows
+    Cropped    ///< larger than what its crop box shows
 };
 
 /// Who can open a sample file.

@@ -3,8 +3,12 @@
 
 #include "tests/support/windowdriver.h"
 
+#include "rules/settingsfile.h"
+
 #include <QApplication>
+#include <QComboBox>
 #include <QDialog>
+#include <QDir>
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QHeaderView>
@@ -16,17 +20,40 @@
 #include <QTimer>
 #include <QUrl>
 
+#include <memory>
+
 namespace {
 
-QList<QUrl> toUrls(const QStringList &paths)
+/// What a file manager hands over.
+std::unique_ptr<QMimeData> draggedFiles(const QStringList &paths)
 {
     QList<QUrl> urls;
     for (const QString &path : paths)
         urls.append(path.startsWith(QLatin1Char('/')) ? QUrl::fromLocalFile(path) : QUrl(path));
-    return urls;
+    auto data = std::make_unique<QMimeData>();
+    data->setUrls(urls);
+    return data;
 }
 
 } // namespace
+
+QString workPath(const QString &name)
+{
+    return name.contains(QLatin1String("://")) ? name : QDir::current().filePath(name);
+}
+
+QStringList workPaths(const QStringList &names)
+{
+    QStringList paths;
+    for (const QString &name : names)
+        paths.append(workPath(name));
+    return paths;
+}
+
+QSettings storedSettings()
+{
+    return QSettings(settingsFileName(), QSettings::IniFormat);
+}
 
 WindowDriver::WindowDriver()
 {
@@ -38,9 +65,9 @@ QTableWidget *WindowDriver::table() const
     return widget<QTableWidget>("inputfiletableWidget");
 }
 
-QPushButton *WindowDriver::button(const char *name) const
+bool WindowDriver::isEnabled(const char *name) const
 {
-    return widget<QPushButton>(name);
+    return widget<QWidget>(name)->isEnabled();
 }
 
 QString WindowDriver::cell(int row, int column) const
@@ -64,7 +91,7 @@ QStringList WindowDriver::progress() const
 
 void WindowDriver::click(const char *buttonName) const
 {
-    QTest::mouseClick(button(buttonName), Qt::LeftButton);
+    QTest::mouseClick(widget<QPushButton>(buttonName), Qt::LeftButton);
 }
 
 void WindowDriver::clickCell(int row, int column, Qt::KeyboardModifiers modifiers) const
@@ -80,11 +107,10 @@ void WindowDriver::clickHeader(int column) const
     QTest::mouseClick(header->viewport(), Qt::LeftButton, {}, place);
 }
 
-bool WindowDriver::takesDrag(const QStringList &urls)
+bool WindowDriver::takesDrag()
 {
-    QMimeData data;
-    data.setUrls(toUrls(urls));
-    QDragEnterEvent enter(QPoint(50, 50), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    const auto data = draggedFiles({QStringLiteral("/in.pdf")});
+    QDragEnterEvent enter(QPoint(50, 50), Qt::CopyAction, data.get(), Qt::LeftButton, {});
     enter.ignore();
     QCoreApplication::sendEvent(&window, &enter);
     return enter.isAccepted();
@@ -92,9 +118,8 @@ bool WindowDriver::takesDrag(const QStringList &urls)
 
 void WindowDriver::drop(const QStringList &paths)
 {
-    QMimeData data;
-    data.setUrls(toUrls(paths));
-    QDropEvent event(QPointF(50, 50), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    const auto data = draggedFiles(paths);
+    QDropEvent event(QPointF(50, 50), Qt::CopyAction, data.get(), Qt::LeftButton, {});
     window.dropEvent(&event);
 }
 
@@ -106,7 +131,14 @@ bool WindowDriver::add(const QStringList &paths)
 
 bool WindowDriver::waitForPageCounts() const
 {
-    return QTest::qWaitFor([this] { return button("openfileButton")->isEnabled(); }, 30000);
+    return QTest::qWaitFor([this] { return isEnabled("openfileButton"); }, 30000);
+}
+
+void WindowDriver::choose(const QString &rule, int method, const QString &folder) const
+{
+    widget<QComboBox>("comboBox_rule")->setCurrentText(rule);
+    widget<QComboBox>("comboBox_method")->setCurrentIndex(method);
+    setOutputFolder(folder);
 }
 
 bool WindowDriver::split()

@@ -6,10 +6,18 @@
 #include "mainwindow/process.h"
 
 #include <QPushButton>
+#include <QSettings>
 #include <QStringList>
 #include <QTableWidget>
 
 #include <functional>
+
+/// A path in the working folder; addresses ("https://...") stay as they are.
+[[nodiscard]] QString workPath(const QString &name);
+[[nodiscard]] QStringList workPaths(const QStringList &names);
+
+/// The settings file of the working folder, opened anew.
+[[nodiscard]] QSettings storedSettings();
 
 /// Uses a main window as a person does, by its widgets.
 class WindowDriver
@@ -20,12 +28,12 @@ public:
     Process window;
 
     [[nodiscard]] QTableWidget *table() const;
-    [[nodiscard]] QPushButton *button(const char *name) const;
     template <typename Widget>
     [[nodiscard]] Widget *widget(const char *name) const
     {
         return window.findChild<Widget *>(QLatin1String(name));
     }
+    [[nodiscard]] bool isEnabled(const char *name) const;
 
     /// The text of a cell; "-" where there is no item.
     [[nodiscard]] QString cell(int row, int column) const;
@@ -38,17 +46,19 @@ public:
     /// Clicks on a cell; with Control it is added to the selection.
     void clickCell(int row, int column, Qt::KeyboardModifiers modifiers = {}) const;
     void clickHeader(int column) const;
-    /// Whether the window would take a drop of these files.
-    [[nodiscard]] bool takesDrag(const QStringList &urls);
+    /// Whether the window would take a drop of files.
+    [[nodiscard]] bool takesDrag();
     /// Drops files, folders or addresses onto the window. Paths begin with "/".
     void drop(const QStringList &paths);
     /// Drops files and waits until their page counts are there.
     [[nodiscard]] bool add(const QStringList &paths);
     /// Waits until no page counts are being fetched.
     [[nodiscard]] bool waitForPageCounts() const;
+    /// Chooses what a batch needs.
+    void choose(const QString &rule, int method, const QString &folder) const;
+    void setOutputFolder(const QString &folder) const;
     /// Presses Split and waits for the end of the batch.
     [[nodiscard]] bool split();
-    void setOutputFolder(const QString &folder) const;
 };
 
 /// Runs `answer` with the next modal dialog as soon as it is there. The dialog is closed afterwards
