@@ -7,7 +7,6 @@
 
 #include <QCoreApplication>
 #include <QFile>
-#include <QProcess>
 #include <QSettings>
 #include <QTest>
 
@@ -34,14 +33,6 @@ private:
         return name;
     }
 };
-
-/// Saves `count` rules "PREFIX 0", "PREFIX 1", ..., each with settings opened anew, as windows do.
-int saveMany(const QString &prefix, int count)
-{
-    for (int k = 0; k < count; ++k)
-        save(QStringLiteral("%1 %2").arg(prefix).arg(k), {k + 1, k + 2, 3, 4, prefix});
-    return 0;
-}
 
 } // namespace
 
@@ -120,40 +111,7 @@ private slots:
         QVERIFY(isRuleNameTaken(now, "Invoice No"));
         QVERIFY(!isRuleNameTaken(now, "old") && !isRuleNameTaken(now, "yes"));
     }
-
-    void windowsThatSaveAtTheSameTime()
-    {
-        constexpr int perWindow = 40;
-        // As the main window keeps them while its rule editor is open.
-        QSettings settings(settingsFileName(), QSettings::IniFormat);
-        settings.setValue("file/page", "1");
-        QProcess windows[2];
-        for (QProcess &window : windows) {
-            const QString prefix(QChar('a' + int(&window - windows)));
-            window.start(QCoreApplication::applicationFilePath(),
-                         {"save-many", prefix, QString::number(perWindow)});
-        }
-        saveMany("own", perWindow);
-        for (QProcess &window : windows)
-            QVERIFY(window.waitForFinished(60000) && window.exitCode() == 0);
-        Restarted after;
-        QCOMPARE(ruleNames(after).size(), 3 * perWindow);
-        for (const char *prefix : {"a", "b", "own"})
-            QCOMPARE(readRule(after, QStringLiteral("%1 39").arg(prefix)).text, prefix);
-    }
 };
 
-/// The test starts itself as further windows, which share its working folder.
-int main(int argc, char *argv[])
-{
-    if (argc == 4 && qstrcmp(argv[1], "save-many") == 0) {
-        const QCoreApplication window(argc, argv);
-        return saveMany(argv[2], QString(argv[3]).toInt());
-    }
-    const PrivateFolders folders;
-    QCoreApplication application(argc, argv);
-    TestRuleStore test;
-    return QTest::qExec(&test, argc, argv);
-}
-
+SENDRIVO_TEST_MAIN(TestRuleStore, QCoreApplication)
 #include "tst_rulestore.moc"
