@@ -8,6 +8,12 @@
 
 namespace pdf {
 
+/// Whether the character is an ordinary one of ASCII, to which the questions below need not be put.
+[[nodiscard]] inline bool isPlain(char32_t character)
+{
+    return character > ' ' && character < 0x7F && character != '`';
+}
+
 /// Whether the character is a blank of any kind or width, also a tab or a line separator.
 [[nodiscard]] bool isBlank(char32_t character);
 

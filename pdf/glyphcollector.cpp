@@ -60,23 +60,19 @@ bool GlyphCollector::isOutside(const TextAxes &axes, const ShownGlyph &glyph) co
     return !(x >= 0 && y >= 0 && x <= width && y <= height);
 }
 
-bool GlyphCollector::continuesRun(const Baseline &line, double start, bool isSpaced) const
-{
-    if (runs.empty())
-        return false;
-    const GlyphRun &run = runs.back();
-    const double smaller = std::min(line.size, run.line.size);
-    return isSameDirection(line, run.line) &&
-           std::abs(line.across - run.line.across) < 0.02 * smaller &&
-           std::max(line.size, run.line.size) < 1.02 * smaller &&
-           run.isFollowedFrom(start, isSpaced);
-}
-
-bool GlyphCollector::isRepetition(const Baseline &line, const PlacedGlyph &glyph) const
+bool GlyphCollector::isOnLastLine(const Baseline &line) const
 {
     return !runs.empty() && isSameDirection(line, runs.back().line) &&
-           std::abs(line.across - runs.back().line.across) < 0.02 * line.size &&
-           isSameGlyph(runs.back().glyphs.back(), glyph, line.em);
+           std::abs(line.across - runs.back().line.across) < 0.02 * line.size;
+}
+
+bool GlyphCollector::continuesRun(const Baseline &line, double start, bool isSpaced) const
+{
+    const GlyphRun &run = runs.back();
+    const double smaller = std::min(line.size, run.line.size);
+    return std::abs(line.across - run.line.across) < 0.02 * smaller &&
+           std::max(line.size, run.line.size) < 1.02 * smaller &&
+           run.isFollowedFrom(start, isSpaced);
 }
 
 void GlyphCollector::add(const TextAxes &axes, const ShownGlyph &glyph)
@@ -99,7 +95,8 @@ void GlyphCollector::show(const TextAxes &axes, const ShownGlyph &glyph)
         return;
     }
     skipsContinuations = true;
-    if (isBlank(glyph.character)) {
+    const bool isOrdinary = isPlain(glyph.character);
+    if (!isOrdinary && isBlank(glyph.character)) {
         showBlank(axes, glyph);
         return;
     }
@@ -108,26 +105,31 @@ void GlyphCollector::show(const TextAxes &axes, const ShownGlyph &glyph)
         return;
     line.across = glyph.y * line.directionX - glyph.x * line.directionY;
     const double start = glyph.x * line.directionX + glyph.y * line.directionY;
-    const double end = start + glyph.advance * line.em;
-    if (!std::isfinite(start) || !std::isfinite(end) || !std::isfinite(line.across))
+    const PlacedGlyph placed = {start, start + glyph.advance * line.em, glyph.character};
+    if (!std::isfinite(placed.start + placed.end + line.across))
         return;
+    if (isOrdinary || !showsNoLetter(line, placed, glyph.toMiddle))
+        place(line, placed);
+}
+
+bool GlyphCollector::showsNoLetter(const Baseline &line, const PlacedGlyph &glyph, double toMiddle)
+{
     if (isDropped(glyph.character)) {
         // Nothing is seen of it, but its width is not a gap between letters either.
-        if (continuesRun(line, start, false))
-            runs.back().glyphs.back().end = end;
-        return;
+        if (isOnLastLine(line) && continuesRun(line, glyph.start, false))
+            runs.back().glyphs.back().end = glyph.end;
+        return true;
     }
     if (isMark(glyph.character)) {
-        addMark(line, start + glyph.toMiddle, glyph.character);
-        return;
+        addMark(line, glyph.start + toMiddle, glyph.character);
+        return true;
     }
-    if (markOfAccent(glyph.character) != 0) {
-        hasAccent = true;
-        accentLine = line;
-        accent = {start, end, glyph.character, false, false};
-        return;
-    }
-    place(line, {start, end, glyph.character, false, false});
+    if (markOfAccent(glyph.character) == 0)
+        return false;
+    hasAccent = true;
+    accentLine = line;
+    accent = glyph;
+    return true;
 }
 
 void GlyphCollector::settleAccent(const TextAxes &axes, const ShownGlyph &glyph)
@@ -179,12 +181,13 @@ bool GlyphCollector::isBehindBlank(const Baseline &line, double start) const
 
 void GlyphCollector::place(const Baseline &line, const PlacedGlyph &glyph)
 {
-    if (isRepetition(line, glyph))
-        return;
+    const bool isOnLine = isOnLastLine(line);
+    if (isOnLine && isSameGlyph(runs.back().glyphs.back(), glyph, line.em))
+        return; // a bold look
     // The first test settles nearly all glyphs.
-    bool isContinued = continuesRun(line, glyph.start, false);
+    bool isContinued = isOnLine && continuesRun(line, glyph.start, false);
     const bool isSpaced = hasBlank && (isContinued || isBehindBlank(line, glyph.start));
-    isContinued = isContinued || (isSpaced && continuesRun(line, glyph.start, true));
+    isContinued = isContinued || (isOnLine && isSpaced && continuesRun(line, glyph.start, true));
     if (!isContinued) {
         GlyphRun run;
         run.line = line;

@@ -60,6 +60,9 @@ public:
 private:
     void show(const TextAxes &axes, const ShownGlyph &glyph);
     void showBlank(const TextAxes &axes, const ShownGlyph &glyph);
+    /// Takes marks and what leaves no trace; false for everything else.
+    [[nodiscard]] bool showsNoLetter(const Baseline &line, const PlacedGlyph &glyph,
+                                     double toMiddle);
     /// Takes the accent drawn last as that of the glyph drawn over or under it now, else as a
     /// character of its own.
     void settleAccent(const TextAxes &axes, const ShownGlyph &glyph);
@@ -69,8 +72,9 @@ private:
     [[nodiscard]] bool isOutside(const TextAxes &axes, const ShownGlyph &glyph) const;
     /// Whether the last blank was shown right before the place.
     [[nodiscard]] bool isBehindBlank(const Baseline &line, double start) const;
+    [[nodiscard]] bool isOnLastLine(const Baseline &line) const;
+    /// Only for what is on the last run's line.
     [[nodiscard]] bool continuesRun(const Baseline &line, double start, bool isSpaced) const;
-    [[nodiscard]] bool isRepetition(const Baseline &line, const PlacedGlyph &glyph) const;
 
     double width;
     double height;
