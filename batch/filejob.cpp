@@ -57,12 +57,23 @@ void writeDocument(const SplitPlan &plan, pdf::Document &document, const Documen
     }
 }
 
-/// Writes all documents aside, in processes of their own.
-void writeDocuments(const SplitPlan &plan, pdf::Document &document,
-                    const QList<DocumentResult> &documents, const StagingFolder &staging,
-                    int workers)
+/// The end of the documents from `first` on that one set of processes is to write: what they have
+/// read of the input stays in their memory until they end.
+int endOfPart(const QList<DocumentResult> &documents, int first)
 {
-    const int count = static_cast<int>(documents.size());
+    constexpr int pagesAtATime = 4000;
+    int end = first;
+    for (int pages = 0; end < documents.size() && pages < pagesAtATime; ++end)
+        pages += pageTotal(pageSpans(documents[end].range));
+    return end;
+}
+
+/// Writes the documents from `first` to before `end` aside, in processes of their own.
+void writePart(const SplitPlan &plan, pdf::Document &document,
+               const QList<DocumentResult> &documents, int first, int end,
+               const StagingFolder &staging, int workers)
+{
+    const int count = end - first;
     SharedRecords causes(count + 1);
     pdf::PageWork work;
     work.pageCount = count;
@@ -72,8 +83,8 @@ void writeDocuments(const SplitPlan &plan, pdf::Document &document,
         pdf::folderOf(QFile::encodeName(staging.pathOf(0)).toStdString())};
     work.startWorker = [&]() -> std::function<void(int)> {
         return [&](int index) {
-            writeDocument(plan, document, documents[index],
-                          QFile::encodeName(staging.pathOf(index)).toStdString());
+            writeDocument(plan, document, documents[first + index],
+                          QFile::encodeName(staging.pathOf(first + index)).toStdString());
         };
     };
     work.report = [&](int index, const std::string &cause) {
@@ -112,7 +123,11 @@ void publish(const SplitPlan &plan, pdf::Document &document, int workers, FileRe
 {
     const QString folder = QFileInfo(result.documents.first().file).path();
     StagingFolder staging(folder);
-    writeDocuments(plan, document, result.documents, staging, workers);
+    const int count = static_cast<int>(result.documents.size());
+    for (int first = 0, end = 0; first < count; first = end) {
+        end = endOfPart(result.documents, first);
+        writePart(plan, document, result.documents, first, end, staging, workers);
+    }
     QStringList paths;
     for (int index = 0; index < result.documents.size(); ++index) {
         result.documents[index].bytes = QFileInfo(staging.pathOf(index)).size();
