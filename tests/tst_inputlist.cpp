@@ -173,12 +173,12 @@ private slots:
                             const QStringList &pages, int selected) {
             QTest::newRow(name) << direction << rows << pages << selected;
         };
-        row("up", "up", {2}, {"12", "9", "1"}, 1);
-        row("down", "down", {0}, {"1", "12", "9"}, 1);
-        row("first up", "up", {0}, {"12", "1", "9"}, 0);
-        row("last down", "down", {2}, {"12", "1", "9"}, 2);
-        // Six filled cells are two steps of four cells each; the second starts at the fifth cell.
-        row("two rows up", "up", {1, 2}, {"1", "9", "12"}, 1);
+        row("up", "up", {2}, {"12", "9", "1", "1", "9"}, 1);
+        row("down", "down", {0}, {"1", "12", "9", "1", "9"}, 1);
+        row("first up", "up", {0}, {"12", "1", "9", "1", "9"}, 0);
+        row("last down", "down", {4}, {"12", "1", "9", "1", "9"}, 4);
+        // Twelve filled cells are three steps of four cells each: the fourth row stays.
+        row("four rows up", "up", {1, 2, 3, 4}, {"1", "9", "1", "12", "9"}, 2);
     }
     void moving()
     {
@@ -186,7 +186,7 @@ private slots:
         QFETCH(QList<int>, rows);
         QFETCH(QStringList, pages);
         WindowDriver driver;
-        QVERIFY(driver.add(workPaths({"a.pdf", "b one.pdf", "c.pdf"})));
+        QVERIFY(driver.add(workPaths({"a.pdf", "b one.pdf", "c.pdf", "b one.pdf", "c.pdf"})));
         driver.clickCell(rows.first(), 0);
         for (const int row : rows.mid(1))
             driver.clickCell(row, 0, Qt::ControlModifier);
