@@ -9,6 +9,7 @@
 #include "batch/splitcommand.h"
 #include "pdf/error.h"
 #include "pdf/limits.h"
+#include "pdf/supervision.h"
 
 #include <QCoreApplication>
 
@@ -19,7 +20,6 @@
 #if defined(__GLIBC__)
 #include <malloc.h>
 #endif
-#include <unistd.h>
 
 namespace {
 
@@ -43,12 +43,12 @@ void keepFreedMemory()
 #endif
 }
 
-void emergencyExit(const char *cause)
+/// Reads the one input in a process of its own.
+void readInChild(const BatchOptions &options)
 {
-    for (const char *part : {"sendrivo-batch: the file ", cause, "\n"}) {
-        [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, part, std::strlen(part));
-    }
-    ::_exit(static_cast<int>(pdf::ExitCode::InputUnreadable));
+    pdf::continueInChild([&options](const std::string &cause) {
+        complain(options.inputs.first() + QStringLiteral(": ") + QString::fromStdString(cause));
+    });
 }
 
 pdf::ExitCode run(const BatchOptions &options)
@@ -64,11 +64,11 @@ pdf::ExitCode run(const BatchOptions &options)
         listRules(options);
         break;
     case Action::ShowFragments:
-        pdf::installEmergencyExit(emergencyExit);
+        readInChild(options);
         showFragments(options);
         break;
     case Action::SaveRule:
-        pdf::installEmergencyExit(emergencyExit);
+        readInChild(options);
         saveNewRule(options);
         break;
     case Action::Split:

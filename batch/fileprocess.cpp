@@ -5,7 +5,7 @@
 
 #include "batch/stagingfolder.h"
 #include "batch/stopsignals.h"
-#include "pdf/limits.h"
+#include "pdf/supervision.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -22,19 +22,6 @@
 #include <thread>
 #include <unistd.h>
 
-namespace {
-
-// For the exit from a signal handler, in the processes of one input only.
-FileProgress *runningProgress = nullptr;
-
-void emergencyExit(const char *cause)
-{
-    runningProgress->emergency = cause;
-    ::_exit(static_cast<int>(pdf::ExitCode::InputUnreadable));
-}
-
-} // namespace
-
 FileProcess::FileProcess(const SplitPlan &plan, const FileJob &job, FileProgress &progress)
     : inputFile(job.input),
       documentFolder(plan.outputFolder + QLatin1Char('/') + QFileInfo(job.input).baseName()),
@@ -42,7 +29,6 @@ FileProcess::FileProcess(const SplitPlan &plan, const FileJob &job, FileProgress
 {
     shared.pageCount = 0;
     shared.pagesDone = 0;
-    shared.emergency = nullptr;
     std::array<int, 2> ends = {-1, -1};
     if (::pipe2(ends.data(), O_CLOEXEC) != 0)
         throw std::runtime_error(std::strerror(errno));
@@ -67,8 +53,7 @@ void FileProcess::work(const SplitPlan &plan, const FileJob &job, FileProgress &
                        int channel)
 {
     StopSignals::handOver();
-    runningProgress = &progress;
-    pdf::installEmergencyExit(emergencyExit);
+    pdf::limitProcessorTime(pdf::documentTimeLimitSeconds);
     const QByteArray bytes =
         QJsonDocument(toJson(splitFile(plan, job, progress))).toJson(QJsonDocument::Compact);
     for (qsizetype sent = 0; sent < bytes.size();) {
@@ -99,7 +84,7 @@ bool FileProcess::receive()
         received.append(buffer.data(), count);
     if (count > 0 || (count < 0 && errno == EINTR))
         return false;
-    ::waitpid(process, nullptr, 0);
+    ::waitpid(process, &status, 0);
     process = -1;
     return true;
 }
@@ -110,10 +95,9 @@ FileResult FileProcess::result() const
     if (document.isObject())
         return fromJson(document.object());
     clearAway();
-    const char *emergency = shared.emergency;
-    return failedResult(
-        inputFile, pdf::ExitCode::InputUnreadable,
-        QString::fromLatin1(emergency != nullptr ? emergency : "crashes the reader"));
+    const int signal = WIFSIGNALED(status) ? WTERMSIG(status) : SIGABRT;
+    return failedResult(inputFile, pdf::ExitCode::InputUnreadable,
+                        QString::fromStdString(pdf::causeOfEnd(signal)));
 }
 
 void FileProcess::stop() const

@@ -42,5 +42,6 @@ private:
     FileProgress &shared;
     pid_t process = -1;
     int channel = -1;
+    int status = 0; ///< as waitpid() gives it
     QByteArray received;
 };

@@ -10,5 +10,4 @@ struct FileProgress
 {
     std::atomic<int> pageCount{0};
     std::atomic<int> pagesDone{0};
-    std::atomic<const char *> emergency{nullptr}; ///< why the input's process had to end at once
 };

@@ -5,15 +5,12 @@
 
 #include <csignal>
 #include <sys/resource.h>
-#include <sys/time.h>
 
 namespace pdf {
 
 namespace {
 
 constexpr long long stackLimitBytes = 64LL << 20;
-
-EmergencyExit emergencyExit = nullptr;
 
 void limit(__rlimit_resource_t resource, rlim_t value)
 {
@@ -24,19 +21,6 @@ void limit(__rlimit_resource_t resource, rlim_t value)
         current.rlim_cur = value;
         ::setrlimit(resource, &current);
     }
-}
-
-void onSignal(int number)
-{
-    emergencyExit(number == SIGBUS ? "became shorter while it was read"
-                                   : "takes too long to read, given up");
-}
-
-void handle(int number)
-{
-    struct sigaction action = {};
-    action.sa_handler = onSignal;
-    ::sigaction(number, &action, nullptr);
 }
 
 } // namespace
@@ -51,16 +35,6 @@ void limitResources()
     limit(RLIMIT_STACK, static_cast<rlim_t>(stackLimitBytes));
     limit(RLIMIT_CORE, 0);
     std::signal(SIGXFSZ, SIG_IGN);
-}
-
-void installEmergencyExit(EmergencyExit function)
-{
-    emergencyExit = function;
-    handle(SIGBUS);
-    handle(SIGPROF);
-    itimerval timer = {};
-    timer.it_value.tv_sec = documentTimeLimitSeconds;
-    ::setitimer(ITIMER_PROF, &timer, nullptr);
 }
 
 } // namespace pdf

@@ -20,12 +20,4 @@ constexpr int documentTimeLimitSeconds = 60;
 /// becomes an ordinary error.
 void limitResources();
 
-/// What to do when a file cannot be read to its end in time or gets shorter while it is read. Only
-/// async-signal-safe functions may be called inside, and it must not return.
-using EmergencyExit = void (*)(const char *cause);
-
-/// Calls the function after documentTimeLimitSeconds of processor time, or as soon as the mapped
-/// input turns out to have become shorter than it was.
-void installEmergencyExit(EmergencyExit function);
-
 } // namespace pdf

@@ -23,12 +23,7 @@ void beSupervised(pid_t parent, int processorSeconds)
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
     if (::getppid() != parent)
         ::_exit(0);
-    // Both end the process unless the caller's own caller had them ignored.
-    std::signal(SIGPROF, SIG_DFL);
-    std::signal(SIGBUS, SIG_DFL);
-    itimerval timer = {};
-    timer.it_value.tv_sec = processorSeconds;
-    ::setitimer(ITIMER_PROF, &timer, nullptr);
+    limitProcessorTime(processorSeconds);
 }
 
 int waitFor(pid_t process)
@@ -64,6 +59,16 @@ std::string causeOfEnd(int signal)
     }
 }
 
+void limitProcessorTime(int seconds)
+{
+    // Both end the process unless the caller's own caller had them ignored.
+    std::signal(SIGPROF, SIG_DFL);
+    std::signal(SIGBUS, SIG_DFL);
+    itimerval timer = {};
+    timer.it_value.tv_sec = seconds;
+    ::setitimer(ITIMER_PROF, &timer, nullptr);
+}
+
 void continueInChild(const std::function<void(const std::string &cause)> &failed,
                      int processorSeconds)
 {
@@ -81,6 +86,9 @@ void continueInChild(const std::function<void(const std::string &cause)> &failed
     if (WIFEXITED(status))
         ::_exit(WEXITSTATUS(status));
     waitForOrphans();
+    // Nobody reads the output any more, which is no matter of the input.
+    if (WTERMSIG(status) == SIGPIPE)
+        ::raise(SIGPIPE);
     failed(causeOfEnd(WTERMSIG(status)));
     ::_exit(static_cast<int>(ExitCode::InputUnreadable));
 }

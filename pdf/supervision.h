@@ -13,6 +13,10 @@ namespace pdf {
 /// Why a process that was ended by the signal ended, as a cause for an Error.
 [[nodiscard]] std::string causeOfEnd(int signal);
 
+/// Ends this process, not those that it forks, by a signal that causeOfEnd() knows: after so much
+/// processor time, or as soon as a mapped input turns out to have become shorter than it was.
+void limitProcessorTime(int seconds);
+
 /// Goes on in a child process, so that a file which crashes the reader, or keeps it busy for
 /// longer than the seconds of processor time, ends the child alone.
 ///
