@@ -81,6 +81,14 @@ void NameCollector::endName()
     isInName = false;
 }
 
+std::set<std::string> namesIn(const std::string &operators)
+{
+    NameCollector collector;
+    collector.write(reinterpret_cast<const unsigned char *>(operators.data()), operators.size());
+    collector.finish();
+    return std::move(collector.names);
+}
+
 std::optional<std::set<std::string>> namesInContents(const std::vector<QPDFObjectHandle> &streams)
 {
     NameCollector collector;

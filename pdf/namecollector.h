@@ -38,4 +38,7 @@ private:
 [[nodiscard]] std::optional<std::set<std::string>>
 namesInContents(const std::vector<QPDFObjectHandle> &streams);
 
+/// The names in a string of operators.
+[[nodiscard]] std::set<std::string> namesIn(const std::string &operators);
+
 } // namespace pdf

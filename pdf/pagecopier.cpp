@@ -18,6 +18,7 @@ void PageCopier::announce(const PageEntry &entry)
                 continue;
             appearances.push_back(annotation.getKey("/AP"));
             appearances.push_back(annotation.getKey("/MK"));
+            resources.addFieldDefaults(annotation.getKey("/DA"), annotation.getKey("/DR"));
         }
     }
     resources.addPage(page.getKey("/Contents"), resourcesOf(entry), appearances);

@@ -86,14 +86,19 @@ std::vector<QPDFObjectHandle> streamsOf(QPDFObjectHandle contents)
 
 } // namespace
 
-ResourceCopier::Scope ResourceCopier::scopeOf(const QPDFObjectHandle &resources,
-                                              QPDFObjGen owner) const
+ResourceCopier::Scope ResourceCopier::scopeOf(QPDFObjectHandle resources, QPDFObjGen owner) const
 {
+    bool hasShared = false;
+    if (resources.isDictionary()) {
+        for (const auto &[category, dictionary] : resources.getDictAsMap())
+            hasShared = hasShared || dictionary.isIndirect();
+    }
     if (!resources.isIndirect())
-        return {resources, owner, false};
+        return {{resources, owner, false, hasShared}, {}};
     const QPDFObjGen number = resources.getObjGen();
     const bool isUnshared = std::binary_search(unshared.begin(), unshared.end(), number);
-    return {resources, number, !isUnshared || holdsContents(resources)};
+    const bool isShared = !isUnshared || holdsContents(resources);
+    return {{resources, number, isShared, isShared || hasShared}, {}};
 }
 
 void ResourceCopier::addPage(const QPDFObjectHandle &contents, const PageResources &resources,
@@ -101,6 +106,7 @@ void ResourceCopier::addPage(const QPDFObjectHandle &contents, const PageResourc
 {
     Scope scope = scopeOf(resources.dictionary, resources.owner);
     scope.isShared = scope.isShared || resources.isInherited;
+    scope.hasShared = scope.hasShared || scope.isShared;
     waiting.push_back({streamsOf(contents), scope});
     for (const QPDFObjectHandle &appearance : appearances)
         addAppearance(appearance, scope);
@@ -136,6 +142,20 @@ void ResourceCopier::addFormDefaults(QPDFObjectHandle resources)
         if (dictionary.isDictionary() && (scope.isShared || dictionary.isIndirect()))
             usageOf(dictionary, scope.owner, category).isWhole = true;
     }
+}
+
+void ResourceCopier::addFieldDefaults(QPDFObjectHandle operators, QPDFObjectHandle resources)
+{
+    if (!operators.isString() || !resources.isDictionary())
+        return;
+    const Names names = namesIn(operators.getStringValue());
+    const Scope scope = scopeOf(resources, QPDFObjGen());
+    for (auto &[category, dictionary] : resources.getDictAsMap()) {
+        if (dictionary.isDictionary() && (scope.isShared || dictionary.isIndirect()))
+            useNamed(names, dictionary, category, scope);
+    }
+    if (scope.isShared)
+        sharedResources.emplace(scope.owner, resources);
 }
 
 void ResourceCopier::follow()
@@ -186,6 +206,34 @@ void ResourceCopier::visit(const Contents &contents)
         for (const auto &[name, resource] : dictionary.getDictAsMap())
             visitResource(resource, scope);
     }
+    visitAround(contents, isScanned ? std::move(names) : std::nullopt);
+}
+
+void ResourceCopier::visitAround(const Contents &contents, std::optional<Names> names)
+{
+    std::vector<QPDFObjectHandle> inner = {contents.scope.resources};
+    const std::vector<Dictionary> &around = contents.scope.around;
+    for (auto outer = around.rbegin(); outer != around.rend(); ++outer) {
+        QPDFObjectHandle resources = outer->resources;
+        if (!outer->hasShared || !resources.isDictionary())
+            continue;
+        if (!names)
+            names = namesInContents(contents.streams);
+        if (!names)
+            return;
+        for (auto &[category, dictionary] : resources.getDictAsMap()) {
+            if (!dictionary.isDictionary() || (!outer->isShared && !dictionary.isIndirect()))
+                continue;
+            Names missing = *names;
+            for (QPDFObjectHandle &found : inner) {
+                QPDFObjectHandle hiding = found.getKey(category);
+                for (const std::string &name : hiding.isDictionary() ? hiding.getKeys() : Names())
+                    missing.erase(name);
+            }
+            useNamed(missing, dictionary, category, {*outer, {}});
+        }
+        inner.push_back(resources);
+    }
 }
 
 void ResourceCopier::useNamed(const Names &names, QPDFObjectHandle dictionary,
@@ -230,8 +278,19 @@ void ResourceCopier::visitStreams(std::vector<QPDFObjectHandle> streams, QPDFObj
     if (streams.empty())
         return;
     // Without resources of its own such a stream uses those of the page (ISO 32000-1, 7.8.3).
-    const Scope own = resources.isDictionary() ? scopeOf(resources, owner) : scope;
-    if (visited.insert({streams.front().getObjGen(), own.owner}).second)
+    Scope own = scope;
+    if (resources.isDictionary()) {
+        constexpr std::size_t maximalAround = 4;
+        own = scopeOf(resources, owner);
+        own.around = scope.around;
+        if (scope.owner != own.owner && own.around.size() < maximalAround)
+            own.around.push_back(scope);
+    }
+    std::vector<QPDFObjGen> key = {streams.front().getObjGen(), own.owner};
+    // The page's, which is where most of what is missing elsewhere is found.
+    if (!own.around.empty() && own.around.front().hasShared)
+        key.push_back(own.around.front().owner);
+    if (visited.insert(key).second)
         waiting.push_back({std::move(streams), own});
 }
 

@@ -37,6 +37,8 @@ public:
         bool isInherited = false;
     };
 
+    /// What a form field states for its looks: a string of operators, and resources of its own.
+    void addFieldDefaults(QPDFObjectHandle operators, QPDFObjectHandle resources);
     /// A page's contents, and everything that its annotations show: form XObjects, possibly in
     /// dictionaries.
     void addPage(const QPDFObjectHandle &contents, const PageResources &resources,
@@ -58,11 +60,19 @@ private:
     using DictionaryId = std::pair<QPDFObjGen, std::string>;
     using Names = std::set<std::string>;
 
-    struct Scope
+    struct Dictionary
     {
         QPDFObjectHandle resources;
         QPDFObjGen owner;
         bool isShared = false;
+        bool hasShared = false; ///< dictionaries in it, if not itself
+    };
+    /// Where contents find what they name.
+    struct Scope : Dictionary
+    {
+        /// Those of the page and the forms around. Contents with resources of their own should not
+        /// need them, but some readers look there for what is missing.
+        std::vector<Dictionary> around;
     };
     struct Contents
     {
@@ -76,10 +86,11 @@ private:
         bool isWhole = false;
     };
 
-    [[nodiscard]] Scope scopeOf(const QPDFObjectHandle &resources, QPDFObjGen owner) const;
+    [[nodiscard]] Scope scopeOf(QPDFObjectHandle resources, QPDFObjGen owner) const;
     void follow();
     void visit(const Contents &contents);
     void addAppearance(const QPDFObjectHandle &appearance, const Scope &scope);
+    void visitAround(const Contents &contents, std::optional<Names> names);
     void useNamed(const Names &names, QPDFObjectHandle dictionary, const std::string &category,
                   const Scope &scope);
     void visitResource(QPDFObjectHandle resource, const Scope &scope);
@@ -93,7 +104,7 @@ private:
     ObjectCopier &copier;
     std::vector<QPDFObjGen> unshared;
     std::vector<Contents> waiting;
-    std::set<std::pair<QPDFObjGen, QPDFObjGen>> visited;
+    std::set<std::vector<QPDFObjGen>> visited;
     std::map<DictionaryId, Usage> usages;
     std::map<QPDFObjGen, QPDFObjectHandle> sharedResources;
     std::map<QPDFObjGen, QPDFObjectHandle> inheritedCopies;

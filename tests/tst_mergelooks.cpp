@@ -146,14 +146,20 @@ QByteArray sharing(const QByteArray &contents, const QByteArray &contentsEntries
                                                  "1 /BitsPerComponent 8 /ColorSpace /Own");
     const int look = file.addStream(showText(2, 20, "look").replace("/F1", "/Look"),
                                     form + " /Resources " + ref(resources));
+    // Some readers look around a form for what its own resources lack.
+    const int lacking = file.addStream("/Inner Do /Around Do", form +
+                                                                   "/Resources << /XObject << "
+                                                                   "/Inner " +
+                                                                   ref(inner) + " >> >>");
     const int other = file.addStream("leaked", "/Subtype /Image /Width 2 /Height 1 "
                                                "/BitsPerComponent 8 /ColorSpace /DeviceRGB");
     file.define(resources,
                 "<< /Font << /F1 " + ref(file.addHelvetica()) + " /Look " +
-                    ref(file.addHelvetica()) + " /T3 " + ref(type3) + " >> /XObject << /B#23ad " +
-                    ref(bare) + " /Inner " + ref(inner) + " /Fill " + ref(fill) + " /Glyph " +
-                    ref(shape) + " /Mask " + ref(maskShape) + " /Im#41 " + ref(image) + " /Other " +
-                    ref(other) + " >> /Pattern << /Pat " + ref(pattern) +
+                    ref(file.addHelvetica()) + " /Typed " + ref(file.addHelvetica()) + " /T3 " +
+                    ref(type3) + " >> /XObject << /B#23ad " + ref(bare) + " /Inner " + ref(inner) +
+                    " /Fill " + ref(fill) + " /Glyph " + ref(shape) + " /Mask " + ref(maskShape) +
+                    " /Im#41 " + ref(image) + " /Lacking " + ref(lacking) + " /Around " +
+                    ref(inner) + " /Other " + ref(other) + " >> /Pattern << /Pat " + ref(pattern) +
                     " /Sh << /PatternType 2 /Shading << /ShadingType 2 /ColorSpace /Tint "
                     "/Coords [0 0 1 1] /Function << /FunctionType 2 /Domain [0 1] /C0 [0 0 0] "
                     "/C1 [1 1 1] /N 1 >> >> >> >> /ExtGState << /GS " +
@@ -162,9 +168,10 @@ QByteArray sharing(const QByteArray &contents, const QByteArray &contentsEntries
                     "/Ink [/Separation /A /DeviceGray << /FunctionType 2 /Domain [0 1] /N 1 >>] "
                     "/Own [/Indexed /DeviceRGB 1 <FF00FF00FFFF>] "
                     "/DefaultGray [/CalGray << /WhitePoint [0.9 1 1] /Gamma 5 >>] >> >>");
-    const int widget = file.add("<< /Type /Annot /Subtype /Stamp /F 4 /Rect [200 100 290 190] /AP "
-                                "<< /N " +
-                                ref(look) + " >> >>");
+    const int widget =
+        file.add("<< /Type /Annot /Subtype /Stamp /F 4 /Rect [200 100 290 190] /AP "
+                 "<< /N " +
+                 ref(look) + " >> /DA (/Typed\\n9 Tf) /DR " + ref(resources) + " >>");
     const int page = file.add("<< /Type /Page /Parent " + ref(root) + " /Resources " +
                               ref(resources) + " /Annots [" + ref(widget) + "] /Contents " +
                               ref(file.addStream(contents, contentsEntries)) + " >>");
@@ -177,7 +184,8 @@ QByteArray sharing(const QByteArray &contents, const QByteArray &contentsEntries
 }
 
 const QByteArray usingEverything =
-    "0.5 g 10 120 40 40 re f /B#23ad Do q 40 0 0 20 100 10 cm /ImA Do Q /Pattern cs /Pat scn "
+    "0.5 g 10 120 40 40 re f /B#23ad Do /Lacking Do q 40 0 0 20 100 10 cm /ImA Do Q /Pattern cs "
+    "/Pat scn "
     "100 50 80 60 re f /Sh scn BT /T3 30 Tf 20 80 Td (a) Tj ET /GS gs 0 0 1 rg 0 0 300 200 re f";
 
 } // namespace
@@ -237,8 +245,8 @@ void TestMergeLooks::sharedResourcesAreKeptInDoubt()
         return;
     const QByteArray written = pdfobjects::decoded(run.output);
     for (const char *entry :
-         {"/F1 ", "/Look ", "/T3 ", "/Inner ", "/Fill ", "/Glyph ", "/Mask ", "/ImA ", "/Pat ",
-          "/Sh ", "/GS ", "/Own [", "/Tint [", "/Ink [", "/DefaultGray "})
+         {"/F1 ", "/Look ", "/Typed ", "/Around ", "/T3 ", "/Inner ", "/Fill ", "/Glyph ", "/Mask ",
+          "/ImA ", "/Pat ", "/Sh ", "/GS ", "/Own [", "/Tint [", "/Ink [", "/DefaultGray "})
         QVERIFY2(written.count(entry) > written.count(entry + QByteArray("Do")), entry);
 }
 
