@@ -61,6 +61,8 @@ public:
 
     fz_pixmap *pixmap(int index, int dpi)
     {
+        if (!isUsable)
+            return nullptr;
         fz_pixmap *volatile result = nullptr;
         const float scale = static_cast<float>(dpi) / 72;
         fz_try(context)
@@ -73,6 +75,19 @@ public:
             collect(&messages, fz_caught_message(context));
         }
         return result;
+    }
+
+    QImage image(int index, int dpi)
+    {
+        fz_pixmap *drawn = pixmap(index, dpi);
+        if (drawn == nullptr)
+            return {};
+        const QImage shared(fz_pixmap_samples(context, drawn), fz_pixmap_width(context, drawn),
+                            fz_pixmap_height(context, drawn), fz_pixmap_stride(context, drawn),
+                            QImage::Format_RGB888);
+        QImage copy = shared.copy();
+        fz_drop_pixmap(context, drawn);
+        return copy;
     }
 
     fz_context *context = nullptr;
@@ -126,16 +141,17 @@ QStringList pageTexts(const QString &file)
 QImage renderPage(const QString &file, int index, int dpi)
 {
     Reader reader(file);
-    fz_pixmap *pixmap = reader.pixmap(index, dpi);
-    if (pixmap == nullptr)
-        return {};
-    const QImage image(fz_pixmap_samples(reader.context, pixmap),
-                       fz_pixmap_width(reader.context, pixmap),
-                       fz_pixmap_height(reader.context, pixmap),
-                       fz_pixmap_stride(reader.context, pixmap), QImage::Format_RGB888);
-    QImage copy = image.copy();
-    fz_drop_pixmap(reader.context, pixmap);
-    return copy;
+    return reader.image(index, dpi);
+}
+
+Drawing drawPages(const QString &file, const QList<int> &indexes)
+{
+    Reader reader(file);
+    Drawing drawing;
+    for (const int index : indexes)
+        drawing.pages.append(reader.image(index, 96));
+    drawing.complaints = reader.messages;
+    return drawing;
 }
 
 QString complaints(const QString &file)

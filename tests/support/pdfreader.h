@@ -21,6 +21,15 @@ namespace pdfreader {
 /// resolution given in dots per inch; a null image when there is no such page.
 [[nodiscard]] QImage renderPage(const QString &file, int index, int dpi = 96);
 
+/// Pages as renderPage() gives them, and what the reader complained about meanwhile.
+struct Drawing
+{
+    QList<QImage> pages;
+    QString complaints;
+};
+/// Draws the pages with these indexes.
+[[nodiscard]] Drawing drawPages(const QString &file, const QList<int> &indexes);
+
 /// What the reader complained about while it opened and drew every page, one complaint a line;
 /// empty for a sound file.
 [[nodiscard]] QString complaints(const QString &file);
