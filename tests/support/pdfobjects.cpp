@@ -75,6 +75,16 @@ int count(const QString &file, const QByteArray &text)
     return found;
 }
 
+bool canBeOpened(const QString &file)
+{
+    try {
+        static_cast<void>(open(file));
+        return true;
+    } catch (const std::exception &) {
+        return false;
+    }
+}
+
 QString complaints(const QString &file)
 {
     QString result;

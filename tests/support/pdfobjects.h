@@ -17,6 +17,8 @@ namespace pdfobjects {
 /// Objects of the file whose syntax contains the text.
 [[nodiscard]] int count(const QString &file, const QByteArray &text);
 
+/// Whether qpdf opens the file by itself.
+[[nodiscard]] bool canBeOpened(const QString &file);
 /// What qpdf complains about in the file, one complaint a line; empty for a sound file.
 [[nodiscard]] QString complaints(const QString &file);
 
