@@ -3,30 +3,15 @@
 
 #include "pdf/formfields.h"
 
+#include <set>
+#include <vector>
+
 namespace pdf {
 
 namespace {
 
 /// Field hierarchies are a few levels deep; a damaged one can be a loop.
 constexpr int maximalFieldDepth = 64;
-
-/// The value of a field's attribute, which it may inherit (ISO 32000-1, 12.7.3.1).
-QPDFObjectHandle fieldAttribute(QPDFObjectHandle field, const char *key)
-{
-    for (int level = 0; field.isDictionary() && level < maximalFieldDepth; ++level) {
-        QPDFObjectHandle value = field.getKey(key);
-        if (!value.isNull())
-            return value;
-        field = field.getKey("/Parent");
-    }
-    return QPDFObjectHandle::newNull();
-}
-
-bool isSigned(const QPDFObjectHandle &field)
-{
-    return fieldAttribute(field, "/FT").isNameAndEquals("/Sig") &&
-           !fieldAttribute(field, "/V").isNull();
-}
 
 bool isField(QPDFObjectHandle dictionary)
 {
@@ -50,19 +35,73 @@ FormFieldCopier::FormFieldCopier(ObjectCopier &objectCopier, DestinationCopier &
 {
 }
 
+QPDFObjectHandle FormFieldCopier::parentOf(QPDFObjectHandle field)
+{
+    QPDFObjectHandle parent = field.getKey("/Parent");
+    if (!parent.isNull() || field.hasKey("/T") || !field.isIndirect())
+        return parent;
+    // Neither a field by itself nor below one: some producers leave /Parent out.
+    if (!kidsAreKnown)
+        readKids();
+    const auto found = parents.find(field.getObjGen());
+    return found == parents.end() ? parent : found->second;
+}
+
+void FormFieldCopier::readKids()
+{
+    kidsAreKnown = true;
+    std::vector<QPDFObjectHandle> waiting;
+    const auto addItems = [&waiting](QPDFObjectHandle array) {
+        if (array.isArray()) {
+            const std::vector<QPDFObjectHandle> items = array.getArrayAsVector();
+            waiting.insert(waiting.end(), items.begin(), items.end());
+        }
+    };
+    if (sourceForm.isDictionary())
+        addItems(sourceForm.getKey("/Fields"));
+    std::set<QPDFObjGen> visited;
+    while (!waiting.empty()) {
+        QPDFObjectHandle field = waiting.back();
+        waiting.pop_back();
+        if (!isFieldNode(field) || !visited.insert(field.getObjGen()).second)
+            continue;
+        const std::size_t first = waiting.size();
+        addItems(field.getKey("/Kids"));
+        for (std::size_t i = first; i < waiting.size(); ++i)
+            parents.emplace(waiting[i].getObjGen(), field);
+    }
+}
+
+/// The value of a field's attribute, which it may inherit (ISO 32000-1, 12.7.3.1).
+QPDFObjectHandle FormFieldCopier::attribute(QPDFObjectHandle field, const char *key)
+{
+    for (int level = 0; field.isDictionary() && level < maximalFieldDepth; ++level) {
+        QPDFObjectHandle value = field.getKey(key);
+        if (!value.isNull())
+            return value;
+        field = parentOf(field);
+    }
+    return QPDFObjectHandle::newNull();
+}
+
+bool FormFieldCopier::isSigned(const QPDFObjectHandle &field)
+{
+    return attribute(field, "/FT").isNameAndEquals("/Sig") && !attribute(field, "/V").isNull();
+}
+
 void FormFieldCopier::announce(const QPDFObjectHandle &widget)
 {
     if (isSigned(widget))
         return;
     hasAnnounced = true;
-    QPDFObjectHandle above = QPDFObjectHandle(widget).getKey("/Parent");
+    QPDFObjectHandle above = parentOf(widget);
     for (int level = 0; isFieldNode(above) && level < maximalFieldDepth; ++level) {
         if (copier.isMapped(above.getObjGen()))
             return;
         const QPDFObjectHandle copied = copier.placeholder();
         copier.map(above.getObjGen(), copied);
         ancestors[above.getObjGen()].copied = copied;
-        above = above.getKey("/Parent");
+        above = parentOf(above);
     }
 }
 
@@ -76,7 +115,7 @@ void FormFieldCopier::attach(QPDFObjectHandle original, QPDFObjectHandle widget,
     widget.removeKey("/Parent");
     QPDFObjectHandle lower = widget;
     QPDFObjectHandle lowerReference = reference;
-    QPDFObjectHandle above = original.getKey("/Parent");
+    QPDFObjectHandle above = parentOf(original);
     while (Ancestor *parent = ancestor(above)) {
         lower.replaceKey("/Parent", parent->copied);
         const bool isNew = !parent->isFilled;
@@ -87,7 +126,7 @@ void FormFieldCopier::attach(QPDFObjectHandle original, QPDFObjectHandle widget,
             return;
         lower = parent->copied;
         lowerReference = parent->copied;
-        above = above.getKey("/Parent");
+        above = parentOf(above);
     }
     if (isField(lower))
         rootFields.appendItem(lowerReference);

@@ -48,6 +48,10 @@ private:
         bool isFilled = false;
     };
 
+    QPDFObjectHandle parentOf(QPDFObjectHandle field);
+    void readKids();
+    QPDFObjectHandle attribute(QPDFObjectHandle field, const char *key);
+    bool isSigned(const QPDFObjectHandle &field);
     Ancestor *ancestor(const QPDFObjectHandle &field);
     void fill(const QPDFObjectHandle &original, Ancestor &field);
     QPDFObjectHandle calculationOrder();
@@ -56,6 +60,8 @@ private:
     DestinationCopier &destinations;
     std::map<QPDFObjGen, Ancestor> ancestors;
     bool hasAnnounced = false;
+    bool kidsAreKnown = false;
+    std::map<QPDFObjGen, QPDFObjectHandle> parents; ///< of what is listed as a field's kid
     QPDFObjectHandle sourceForm;
     QPDFObjectHandle rootFields;
 };

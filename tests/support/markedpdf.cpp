@@ -122,8 +122,10 @@ QByteArray MarkedPdf::addAnnotations(int number)
                 "<< /Type /StructElem /S /Form /P " + ref(document) + " /Alt (formtag" + digit +
                     ") /K << /Type /OBJR /Pg " + self + " /Obj " + ref(widget) + " >> >>");
     widgets.append(widget);
-    sharedWidgets.append(file.add("<< /Type /Annot /Subtype /Widget /Rect [80 9 90 20] /Parent " +
-                                  ref(sharedField) + " /TU (part" + digit + ") >>"));
+    sharedWidgets.append(file.add(
+        "<< /Type /Annot /Subtype /Widget /Rect [80 9 90 20]" +
+        (number == 3 ? " /AP << /N " + ref(look) + " >>" : " /Parent " + ref(sharedField)) +
+        " /TU (part" + digit + ") >>"));
     // The pop-up is found through its parent only, as some producers write it.
     return PdfBuilder::refs({stamp, link, attachment, widget, sharedWidgets.last()});
 }

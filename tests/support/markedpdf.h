@@ -10,7 +10,8 @@
 ///
 /// All pages are reachable from each other: through page tree, links, names, outline, fields,
 /// threads, structure, labels, and dictionaries of resources that serve all of them (odd pages
-/// refer to one, even pages inherit one). Each page links to the next, the last to the first.
+/// refer to one, even pages inherit one). Each page links to the next, the last to the first. On
+/// page 3 a widget does not say which field it belongs to; only the field lists it.
 class MarkedPdf
 {
 public:
