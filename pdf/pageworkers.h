@@ -13,7 +13,8 @@
 namespace pdf {
 
 /// Work on single pages in confined processes of their own, so that a page that takes too long, too
-/// much memory or crashes the reader is lost alone, and one that takes the reader over gains little.
+/// much memory or crashes the reader is lost alone, and one that takes the reader over gains
+/// little.
 struct PageWork
 {
     int pageCount = 0;
