@@ -235,6 +235,9 @@ void TestCorpus::rangesLookTheSame()
         ++(difference ? comparedRanges : leftOutRanges);
         if (file.endsWith(QLatin1String("stream-line-enders.pdf")))
             QEXPECT_FAIL("", "its streams begin at other bytes for MuPDF than for qpdf", Continue);
+        if (file.endsWith(QLatin1String("button-set-out.pdf")))
+            QEXPECT_FAIL("", "MuPDF knows the state of buttons that name no field only afterwards",
+                         Continue);
         QVERIFY2(!difference || difference->isEmpty(), qPrintable(*difference));
     }
 }
