@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "tests/support/batchrunner.h"
+#include "tests/support/pdfbuilder.h"
 #include "tests/support/privatefolders.h"
 #include "tests/support/windowcomparison.h"
 

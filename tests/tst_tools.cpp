@@ -10,11 +10,9 @@
 #include <QColorSpace>
 #include <QDir>
 #include <QProcess>
-#include <QRandomGenerator>
 #include <QTemporaryDir>
 #include <QTest>
 
-#include <csignal>
 #include <functional>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -40,11 +38,6 @@ private slots:
     void pageWithoutImageKeepsItsText();
     void namesAreBytes();
     void inputIsNeverOverwritten();
-    void killedToolLeavesNothing();
-    void inputChangedWhileItIsRead_data();
-    void inputChangedWhileItIsRead();
-    void readerIsLost_data();
-    void readerIsLost();
 };
 
 /// Puts something at a path.
@@ -65,26 +58,6 @@ QStringList arguments(const QString &line, const QString &folder)
     for (QString &argument : result)
         argument.replace(QStringLiteral("@"), folder);
     return result;
-}
-
-/// Starts the tool that does the work on all of in.pdf in the folder.
-void start(QProcess &process, const QString &work, const QString &folder)
-{
-    const QString tools = QCoreApplication::applicationDirPath();
-    const QString input = folder + "/in.pdf";
-    const QString output = folder + "/out.pdf";
-    if (work == QLatin1String("-htmlformat"))
-        process.start(tools + "/quillrend", {work, input, folder + "/split.xml"});
-    else if (work == QLatin1String("-merge"))
-        process.start(tools + "/stavekit", {input, work, "1-3000", "-outfile", output});
-    else
-        process.start(tools + "/stavekit", {input, work, "-outfile", output});
-    QVERIFY(process.waitForStarted());
-}
-
-QStringList filesIn(const QString &folder)
-{
-    return QDir(folder).entryList(QDir::Files | QDir::Hidden, QDir::Name);
 }
 
 } // namespace
@@ -144,7 +117,7 @@ void TestTools::usage()
     if (line == QLatin1String("-version"))
         QCOMPARE(result.output, tool.toUtf8() + " 2.0.0\n");
     if (exitCode != 0)
-        QCOMPARE(filesIn(folder.path()), QStringList("in.pdf"));
+        QCOMPARE(namesIn(folder.path()), QStringList("in.pdf"));
 }
 
 void TestTools::badInputs_data()
@@ -245,7 +218,7 @@ void TestTools::unwritableOutputs()
         QCOMPARE(result.exitCode, 5);
         QCOMPARE(result.errors.count('\n'), 1);
     }
-    QCOMPARE(filesIn(folder.path()), QStringList("in.pdf"));
+    QCOMPARE(namesIn(folder.path()), QStringList("in.pdf"));
 }
 
 void TestTools::fullDisk()
@@ -273,7 +246,7 @@ void TestTools::fullDisk()
         QCOMPARE(result.exitCode, 5);
         QCOMPARE(result.errors.count('\n'), 1);
     }
-    QCOMPARE(filesIn(folder.path()), QStringList("in.pdf"));
+    QCOMPARE(namesIn(folder.path()), QStringList("in.pdf"));
 }
 
 void TestTools::infoFile()
@@ -334,7 +307,7 @@ void TestTools::layoutFiles()
         QCOMPARE(readFile(path).isEmpty(), texts[i].isEmpty());
     }
     expected.sort();
-    QCOMPARE(filesIn(folder.path()), expected);
+    QCOMPARE(namesIn(folder.path()), expected);
     QCOMPARE(readFile(layoutPath(folder.path(), 4)), stale);
 }
 
@@ -408,125 +381,6 @@ void TestTools::inputIsNeverOverwritten()
     }
     QCOMPARE(convertPages(input, folder.path()).exitCode, 2);
     QCOMPARE(readFile(input), threePages());
-}
-
-void TestTools::killedToolLeavesNothing()
-{
-    const QTemporaryDir folder;
-    const QString input = folder.filePath("in.pdf");
-    QByteArrayList contents;
-    for (int i = 0; i < 2000; ++i)
-        contents.append(showText(20, 100, "page " + QByteArray::number(i)));
-    writeFile(input, simplePdf(contents));
-    const QString output = folder.filePath("out.pdf");
-    QRandomGenerator random(1);
-    for (int round = 0; round < 60; ++round) {
-        QProcess process;
-        process.start(QCoreApplication::applicationDirPath() + "/stavekit",
-                      {input, "-merge", "1-2000", "-outfile", output});
-        QVERIFY(process.waitForStarted());
-        process.waitForFinished(random.bounded(60));
-        process.kill();
-        process.waitForFinished();
-        if (QFile::exists(output)) {
-            QCOMPARE(pdfreader::pageCount(output), 2000);
-            QFile::remove(output);
-        }
-        QCOMPARE(filesIn(folder.path()), QStringList("in.pdf"));
-    }
-}
-
-void TestTools::inputChangedWhileItIsRead_data()
-{
-    QTest::addColumn<bool>("isCutOff");
-    QTest::newRow("cut off") << true;
-    QTest::newRow("overwritten") << false;
-}
-
-void TestTools::inputChangedWhileItIsRead()
-{
-    QFETCH(bool, isCutOff);
-    const QTemporaryDir folder;
-    const QString input = folder.filePath("in.pdf");
-    const QByteArray bytes = simplePdf(QByteArrayList(3000, showText(20, 100, "page")));
-    QRandomGenerator random(1);
-    for (int round = 0; round < 24; ++round) {
-        // Pages whose text is lost are given up one by one.
-        const bool isMerge = !isCutOff || round % 2 == 0;
-        const QString output = folder.filePath(isMerge ? "out.pdf" : "split_pg_0001.htm");
-        writeFile(input, bytes);
-        QProcess process;
-        start(process, isMerge ? "-merge" : "-htmlformat", folder.path());
-        process.waitForFinished(random.bounded(isMerge ? 60 : 150));
-        if (isCutOff) {
-            QFile::resize(input, 5000);
-        } else {
-            QFile file(input);
-            QVERIFY(file.open(QIODevice::ReadWrite));
-            file.write(QByteArray(bytes.size(), '('));
-        }
-        QVERIFY(process.waitForFinished());
-        QCOMPARE(process.exitStatus(), QProcess::NormalExit);
-        // What was written before the cut is whole; what is left of the input can also be a sound
-        // file of fewer pages or none.
-        const bool isWritten = process.exitCode() == 0;
-        QCOMPARE(QFile::exists(output), isWritten);
-        if (isWritten && isMerge)
-            QCOMPARE(pdfreader::pageCount(output), 3000);
-        QCOMPARE(process.readAllStandardError().count('\n'), isWritten ? 0 : 1);
-        for (const QString &file : filesIn(folder.path()))
-            QFile::remove(folder.filePath(file));
-    }
-}
-
-void TestTools::readerIsLost_data()
-{
-    QTest::addColumn<QString>("work");
-    QTest::addColumn<int>("number");
-    QTest::addColumn<QByteArray>("cause");
-    for (const char *work : {"-merge", "-htmlformat", "-getinfo"}) {
-        const auto row = [work](const char *name, int number, const char *cause) {
-            QTest::addRow("%s %s", work, name) << QString(work) << number << QByteArray(cause);
-        };
-        row("crashes", SIGABRT, "crashes the reader");
-        row("exceeds its time", SIGPROF, "takes too long to read, given up");
-        row("is killed", SIGKILL, "was stopped from outside while it was read");
-    }
-}
-
-void TestTools::readerIsLost()
-{
-    QFETCH(QString, work);
-    QFETCH(int, number);
-    QFETCH(QByteArray, cause);
-    const QTemporaryDir folder;
-    const QString input = folder.filePath("in.pdf");
-    // Damaged and long, so that it is still being read when the signal comes.
-    QByteArray bytes = simplePdf(QByteArrayList(8000, showText(20, 100, "page")));
-    writeFile(input, bytes.replace("startxref", "startxxxx"));
-    if (work == QLatin1String("-htmlformat"))
-        writeFile(layoutPath(folder.path(), 1), stale);
-    QProcess process;
-    start(process, work, folder.path());
-    const auto children = [pid = process.processId()] {
-        return readFile(QStringLiteral("/proc/%1/task/%1/children").arg(pid)).trimmed();
-    };
-    QTRY_VERIFY(!children().isEmpty());
-#if !defined(__SANITIZE_ADDRESS__)
-    if (readFile("/proc/self/status").contains("Seccomp:"))
-        QTRY_VERIFY(readFile("/proc/" + children() + "/status").contains("Seccomp:\t2"));
-#endif
-    ::kill(children().toInt(), number);
-    QVERIFY(process.waitForFinished());
-    QCOMPARE(process.exitCode(), 3);
-    const QByteArray line = input.toUtf8() + ": " + cause + '\n';
-    const QByteArray errors = process.readAllStandardError();
-    QVERIFY2(errors.endsWith(": " + line) && errors.count('\n') == 1, errors);
-    if (work == QLatin1String("-getinfo")) {
-        QCOMPARE(readFile(folder.filePath("out.pdf")), "NumberOfPages: \nError: " + line);
-        QFile::remove(folder.filePath("out.pdf"));
-    }
-    QCOMPARE(filesIn(folder.path()), QStringList("in.pdf"));
 }
 
 SENDRIVO_TEST_MAIN(TestTools, QCoreApplication)

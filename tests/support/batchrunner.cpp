@@ -3,11 +3,7 @@
 
 #include "tests/support/batchrunner.h"
 
-#include "tests/support/pdfbuilder.h"
-
 #include <QCoreApplication>
-#include <QDir>
-#include <QDirIterator>
 #include <QJsonDocument>
 
 #include <unistd.h>
@@ -29,22 +25,6 @@ std::unique_ptr<QProcess> startBatch(const QStringList &arguments)
     process->setChildProcessModifier([] { ::setpgid(0, 0); });
     process->start(QCoreApplication::applicationDirPath() + QLatin1Char('/') + program, arguments);
     return process;
-}
-
-QMap<QString, QByteArray> filesIn(const QString &folder)
-{
-    QMap<QString, QByteArray> files;
-    QDirIterator walk(folder, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
-    while (walk.hasNext()) {
-        const QString file = walk.next();
-        files.insert(QDir(folder).relativeFilePath(file), readFile(file));
-    }
-    return files;
-}
-
-QStringList namesIn(const QString &folder)
-{
-    return filesIn(folder).keys();
 }
 
 QList<QJsonObject> jsonLines(const QByteArray &bytes)

@@ -7,7 +7,6 @@
 
 #include <QJsonObject>
 #include <QList>
-#include <QMap>
 #include <QProcess>
 
 #include <memory>
@@ -17,10 +16,6 @@
 
 /// Starts sendrivo-batch beside the test, in a process group of its own.
 [[nodiscard]] std::unique_ptr<QProcess> startBatch(const QStringList &arguments);
-
-/// All files below a folder, hidden ones included, with their bytes.
-[[nodiscard]] QMap<QString, QByteArray> filesIn(const QString &folder);
-[[nodiscard]] QStringList namesIn(const QString &folder);
 
 /// One JSON object a line, as reports and --json have them.
 [[nodiscard]] QList<QJsonObject> jsonLines(const QByteArray &bytes);

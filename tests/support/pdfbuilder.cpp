@@ -3,6 +3,8 @@
 
 #include "tests/support/pdfbuilder.h"
 
+#include <QDir>
+#include <QDirIterator>
 #include <QFile>
 
 int PdfBuilder::reserve()
@@ -97,4 +99,20 @@ QByteArray readFile(const QString &path)
 {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+QMap<QString, QByteArray> filesIn(const QString &folder)
+{
+    QMap<QString, QByteArray> files;
+    QDirIterator walk(folder, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+    while (walk.hasNext()) {
+        const QString file = walk.next();
+        files.insert(QDir(folder).relativeFilePath(file), readFile(file));
+    }
+    return files;
+}
+
+QStringList namesIn(const QString &folder)
+{
+    return filesIn(folder).keys();
 }

@@ -5,7 +5,9 @@
 
 #include <QByteArray>
 #include <QByteArrayList>
+#include <QMap>
 #include <QString>
+#include <QStringList>
 
 /// Writes tiny PDF files object by object, so that a test states exactly what its file holds, sound
 /// or not. Nothing is checked or completed.
@@ -49,3 +51,6 @@ private:
 void writeFile(const QString &path, const QByteArray &bytes);
 /// The whole file, null when it does not exist.
 [[nodiscard]] QByteArray readFile(const QString &path);
+/// All files below a folder, hidden ones included, with their bytes.
+[[nodiscard]] QMap<QString, QByteArray> filesIn(const QString &folder);
+[[nodiscard]] QStringList namesIn(const QString &folder);

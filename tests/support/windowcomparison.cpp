@@ -4,6 +4,7 @@
 #include "tests/support/windowcomparison.h"
 
 #include "tests/support/batchrunner.h"
+#include "tests/support/pdfbuilder.h"
 #include "tests/support/pdfreader.h"
 #include "tests/support/windowdriver.h"
 

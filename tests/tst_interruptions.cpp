@@ -1,0 +1,179 @@
+// SPDX-FileCopyrightText: 2026 The Sendrivo authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "tests/support/pdfbuilder.h"
+#include "tests/support/pdfreader.h"
+#include "tests/support/privatefolders.h"
+#include "tests/support/toolrunner.h"
+
+#include <QElapsedTimer>
+#include <QProcess>
+#include <QRandomGenerator>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <csignal>
+
+/// Tools that are killed, or whose input changes, while they work: whole files or none.
+class TestInterruptions : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void killedToolLeavesWholeFiles();
+    void inputChangedWhileItIsRead_data();
+    void inputChangedWhileItIsRead();
+    void readerIsLost_data();
+    void readerIsLost();
+};
+
+namespace {
+
+const QByteArray stale = "left by an earlier run";
+/// Enough that reading and writing them can be interrupted.
+constexpr int pages = 2000;
+
+/// Starts the tool that does the work on all of in.pdf in the folder.
+void start(QProcess &process, const QString &work, const QString &folder)
+{
+    const QString tools = QCoreApplication::applicationDirPath();
+    const QString input = folder + "/in.pdf";
+    const QString output = folder + "/out.pdf";
+    if (work == QLatin1String("-htmlformat"))
+        process.start(tools + "/quillrend", {work, input, folder + "/split.xml"});
+    else if (work == QLatin1String("-merge"))
+        process.start(tools + "/stavekit",
+                      {input, work, QStringLiteral("1-%1").arg(pages), "-outfile", output});
+    else
+        process.start(tools + "/stavekit", {input, work, "-outfile", output});
+    QVERIFY(process.waitForStarted());
+}
+
+} // namespace
+
+void TestInterruptions::killedToolLeavesWholeFiles()
+{
+    const QTemporaryDir folder;
+    const QString output = folder.filePath("out.pdf");
+    writeFile(folder.filePath("in.pdf"),
+              simplePdf(QByteArrayList(pages, showText(20, 100, "page"))));
+    QRandomGenerator random(1);
+    int longest = 0; // ms of a run that nothing kills, the first
+    int wholeFiles = 0;
+    for (int round = 0; round <= 100; ++round) {
+        if (round % 2 == 1)
+            writeFile(output, stale);
+        QElapsedTimer timer;
+        timer.start();
+        QProcess process;
+        start(process, "-merge", folder.path());
+        process.waitForFinished(round == 0 ? -1 : random.bounded(longest + longest / 4));
+        process.kill();
+        process.waitForFinished();
+        longest = round == 0 ? static_cast<int>(timer.elapsed()) : longest;
+        const bool isOld = round % 2 == 1 && readFile(output) == stale;
+        if (QFile::exists(output) && !isOld) {
+            QCOMPARE(pdfreader::pageCount(output), pages);
+            ++wholeFiles;
+        }
+        QFile::remove(output);
+        QCOMPARE(namesIn(folder.path()), QStringList("in.pdf"));
+    }
+    QVERIFY(wholeFiles > 1 && wholeFiles < 100); // kills hit runs in progress
+}
+
+void TestInterruptions::inputChangedWhileItIsRead_data()
+{
+    QTest::addColumn<bool>("isCutOff");
+    QTest::newRow("cut off") << true;
+    QTest::newRow("overwritten") << false;
+}
+
+void TestInterruptions::inputChangedWhileItIsRead()
+{
+    QFETCH(bool, isCutOff);
+    const QTemporaryDir folder;
+    const QString input = folder.filePath("in.pdf");
+    const QByteArray bytes = simplePdf(QByteArrayList(pages, showText(20, 100, "page")));
+    QRandomGenerator random(1);
+    for (int round = 0; round < 24; ++round) {
+        // Pages whose text is lost are given up one by one.
+        const bool isMerge = !isCutOff || round % 2 == 0;
+        const QString output = folder.filePath(isMerge ? "out.pdf" : "split_pg_0001.htm");
+        writeFile(input, bytes);
+        QProcess process;
+        start(process, isMerge ? "-merge" : "-htmlformat", folder.path());
+        process.waitForFinished(random.bounded(isMerge ? 60 : 150));
+        if (isCutOff) {
+            QFile::resize(input, 5000);
+        } else {
+            QFile file(input);
+            QVERIFY(file.open(QIODevice::ReadWrite));
+            file.write(QByteArray(bytes.size(), '('));
+        }
+        QVERIFY(process.waitForFinished());
+        QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+        // What was written before the cut is whole; what is left of the input can also be a sound
+        // file of fewer pages or none.
+        const bool isWritten = process.exitCode() == 0;
+        QCOMPARE(QFile::exists(output), isWritten);
+        if (isWritten && isMerge)
+            QCOMPARE(pdfreader::pageCount(output), pages);
+        QCOMPARE(process.readAllStandardError().count('\n'), isWritten ? 0 : 1);
+        for (const QString &file : namesIn(folder.path()))
+            QFile::remove(folder.filePath(file));
+    }
+}
+
+void TestInterruptions::readerIsLost_data()
+{
+    QTest::addColumn<QString>("work");
+    QTest::addColumn<int>("number");
+    QTest::addColumn<QByteArray>("cause");
+    for (const char *work : {"-merge", "-htmlformat", "-getinfo"}) {
+        const auto row = [work](const char *name, int number, const char *cause) {
+            QTest::addRow("%s %s", work, name) << QString(work) << number << QByteArray(cause);
+        };
+        row("crashes", SIGABRT, "crashes the reader");
+        row("exceeds its time", SIGPROF, "takes too long to read, given up");
+        row("is killed", SIGKILL, "was stopped from outside while it was read");
+    }
+}
+
+void TestInterruptions::readerIsLost()
+{
+    QFETCH(QString, work);
+    QFETCH(int, number);
+    QFETCH(QByteArray, cause);
+    const QTemporaryDir folder;
+    const QString input = folder.filePath("in.pdf");
+    // Damaged and long, so that it is still being read when the signal comes.
+    QByteArray bytes = simplePdf(QByteArrayList(8000, showText(20, 100, "page")));
+    writeFile(input, bytes.replace("startxref", "startxxxx"));
+    if (work == QLatin1String("-htmlformat"))
+        writeFile(layoutPath(folder.path(), 1), stale);
+    QProcess process;
+    start(process, work, folder.path());
+    const auto children = [pid = process.processId()] {
+        return readFile(QStringLiteral("/proc/%1/task/%1/children").arg(pid)).trimmed();
+    };
+    QTRY_VERIFY(!children().isEmpty());
+#if !defined(__SANITIZE_ADDRESS__)
+    if (readFile("/proc/self/status").contains("Seccomp:"))
+        QTRY_VERIFY(readFile("/proc/" + children() + "/status").contains("Seccomp:\t2"));
+#endif
+    ::kill(children().toInt(), number);
+    QVERIFY(process.waitForFinished());
+    QCOMPARE(process.exitCode(), 3);
+    const QByteArray line = input.toUtf8() + ": " + cause + '\n';
+    const QByteArray errors = process.readAllStandardError();
+    QVERIFY2(errors.endsWith(": " + line) && errors.count('\n') == 1, errors);
+    if (work == QLatin1String("-getinfo")) {
+        QCOMPARE(readFile(folder.filePath("out.pdf")), "NumberOfPages: \nError: " + line);
+        QFile::remove(folder.filePath("out.pdf"));
+    }
+    QCOMPARE(namesIn(folder.path()), QStringList("in.pdf"));
+}
+
+SENDRIVO_TEST_MAIN(TestInterruptions, QCoreApplication)
+#include "tst_interruptions.moc"
