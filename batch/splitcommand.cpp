@@ -166,7 +166,7 @@ public:
     {
         progress.clear();
         if (skipped > 0 && !options.isQuiet)
-            complain(QStringLiteral("%1 files were done before").arg(skipped));
+            complain(QStringLiteral("files done before: %1").arg(skipped));
     }
 
     [[nodiscard]] ExitCode exitCode() const { return exits.exitCode(); }
