@@ -8,8 +8,8 @@
 #include "batch/rulecommands.h"
 #include "batch/splitcommand.h"
 #include "pdf/error.h"
-#include "pdf/limits.h"
-#include "pdf/supervision.h"
+#include "pdf/isolation/limits.h"
+#include "pdf/isolation/supervision.h"
 
 #include <QCoreApplication>
 

@@ -4,7 +4,7 @@
 #pragma once
 
 #include "batch/textquery.h"
-#include "pdf/documentoptions.h"
+#include "pdf/assembly/documentoptions.h"
 
 #include <QString>
 #include <QStringList>

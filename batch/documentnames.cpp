@@ -4,8 +4,8 @@
 #include "batch/documentnames.h"
 
 #include "batch/nametemplate.h"
+#include "pdf/document/mappedfile.h"
 #include "pdf/error.h"
-#include "pdf/mappedfile.h"
 #include "split/outputname.h"
 
 #include <QFile>

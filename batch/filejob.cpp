@@ -6,9 +6,9 @@
 #include "batch/pagetexts.h"
 #include "batch/sharedrecords.h"
 #include "batch/stagingfolder.h"
-#include "pdf/assembly.h"
-#include "pdf/pageranges.h"
-#include "pdf/pageworkers.h"
+#include "pdf/assembly/assembly.h"
+#include "pdf/document/pageranges.h"
+#include "pdf/layout/pageworkers.h"
 #include "split/pagerange.h"
 
 #include <QElapsedTimer>

@@ -5,7 +5,7 @@
 
 #include "batch/stagingfolder.h"
 #include "batch/stopsignals.h"
-#include "pdf/supervision.h"
+#include "pdf/isolation/supervision.h"
 
 #include <QDir>
 #include <QFileInfo>

@@ -5,8 +5,8 @@
 
 #include "batch/sharedrecords.h"
 #include "pdf/error.h"
-#include "pdf/pageworkers.h"
-#include "pdf/repairingreader.h"
+#include "pdf/layout/pageworkers.h"
+#include "pdf/layout/repairingreader.h"
 #include "split/layoutscan.h"
 
 #include <algorithm>

@@ -4,7 +4,7 @@
 #pragma once
 
 #include "batch/textquery.h"
-#include "pdf/document.h"
+#include "pdf/document/document.h"
 
 #include <QList>
 #include <QStringList>

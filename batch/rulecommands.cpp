@@ -6,7 +6,7 @@
 #include "batch/output.h"
 #include "batch/pagetexts.h"
 #include "pdf/error.h"
-#include "pdf/layoutfile.h"
+#include "pdf/layout/layoutfile.h"
 #include "rules/rulestore.h"
 
 #include <QFile>

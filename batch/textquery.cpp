@@ -3,7 +3,7 @@
 
 #include "batch/textquery.h"
 
-#include "pdf/layoutfile.h"
+#include "pdf/layout/layoutfile.h"
 #include "split/layoutscan.h"
 
 #include <algorithm>

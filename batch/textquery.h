@@ -3,7 +3,7 @@
 
 #pragma once
 
-#include "pdf/fragment.h"
+#include "pdf/layout/fragment.h"
 
 #include <QRegularExpression>
 #include <QString>

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "fuzz/memoryinput.h"
-#include "pdf/document.h"
-#include "pdf/documentinfo.h"
+#include "pdf/assembly/documentinfo.h"
+#include "pdf/document/document.h"
 #include "pdf/error.h"
 
 #include <cstdlib>

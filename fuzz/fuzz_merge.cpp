@@ -2,10 +2,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "fuzz/memoryinput.h"
-#include "pdf/assembly.h"
-#include "pdf/document.h"
+#include "pdf/assembly/assembly.h"
+#include "pdf/document/document.h"
+#include "pdf/document/outputfile.h"
 #include "pdf/error.h"
-#include "pdf/outputfile.h"
 
 #include <algorithm>
 #include <cstdlib>

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "batch/commandline.h"
-#include "pdf/repairingreader.h"
+#include "pdf/layout/repairingreader.h"
 #include "rules/rulestore.h"
 #include "rules/settingsfile.h"
 #include "tests/support/batchrunner.h"

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Sendrivo authors
 // SPDX-License-Identifier: GPL-3.0-or-later
 
+#include "pdf/document/pageranges.h"
 #include "pdf/error.h"
-#include "pdf/pageranges.h"
 #include "tests/support/privatefolders.h"
 
 #include <QTest>

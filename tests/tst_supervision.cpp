@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Sendrivo authors
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "pdf/pageworkers.h"
-#include "pdf/supervision.h"
+#include "pdf/isolation/supervision.h"
+#include "pdf/layout/pageworkers.h"
 #include "tests/support/pdfbuilder.h"
 #include "tests/support/privatefolders.h"
 

@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Sendrivo authors
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "pdf/document.h"
-#include "pdf/fragments.h"
-#include "pdf/pagereader.h"
+#include "pdf/document/document.h"
+#include "pdf/layout/fragments.h"
+#include "pdf/layout/pagereader.h"
 #include "tests/support/pdfbuilder.h"
 #include "tests/support/privatefolders.h"
 

@@ -3,7 +3,7 @@
 
 #include "tools/toolmain.h"
 
-#include "pdf/limits.h"
+#include "pdf/isolation/limits.h"
 
 #include <cstdio>
 #include <cstdlib>

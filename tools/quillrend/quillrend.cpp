@@ -3,14 +3,14 @@
 
 #include "tools/quillrend/quillrend.h"
 
-#include "pdf/document.h"
-#include "pdf/layoutfile.h"
-#include "pdf/outputfile.h"
-#include "pdf/pageranges.h"
-#include "pdf/pageworkers.h"
-#include "pdf/repairingreader.h"
-#include "pdf/sandbox.h"
-#include "pdf/supervision.h"
+#include "pdf/document/document.h"
+#include "pdf/document/outputfile.h"
+#include "pdf/document/pageranges.h"
+#include "pdf/isolation/sandbox.h"
+#include "pdf/isolation/supervision.h"
+#include "pdf/layout/layoutfile.h"
+#include "pdf/layout/pageworkers.h"
+#include "pdf/layout/repairingreader.h"
 #include "tools/toolmain.h"
 
 #include <algorithm>

@@ -3,14 +3,14 @@
 
 #include "tools/stavekit/stavekit.h"
 
-#include "pdf/assembly.h"
-#include "pdf/document.h"
-#include "pdf/documentinfo.h"
-#include "pdf/mappedfile.h"
-#include "pdf/outputfile.h"
-#include "pdf/pageranges.h"
-#include "pdf/sandbox.h"
-#include "pdf/supervision.h"
+#include "pdf/assembly/assembly.h"
+#include "pdf/assembly/documentinfo.h"
+#include "pdf/document/document.h"
+#include "pdf/document/mappedfile.h"
+#include "pdf/document/outputfile.h"
+#include "pdf/document/pageranges.h"
+#include "pdf/isolation/sandbox.h"
+#include "pdf/isolation/supervision.h"
 #include "tools/toolmain.h"
 
 #include <cstdlib>

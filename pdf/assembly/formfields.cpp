@@ -1,0 +1,192 @@
+// SPDX-FileCopyrightText: 2026 The Sendrivo authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "pdf/assembly/formfields.h"
+
+#include <set>
+#include <vector>
+
+namespace pdf {
+
+namespace {
+
+/// Field hierarchies are a few levels deep; a damaged one can be a loop.
+constexpr int maximalFieldDepth = 64;
+
+bool isField(QPDFObjectHandle dictionary)
+{
+    return dictionary.hasKey("/T") || dictionary.hasKey("/FT");
+}
+
+/// Whether the object can be a field above others. In damaged files /Parent leads anywhere, to
+/// pages for instance.
+bool isFieldNode(QPDFObjectHandle object)
+{
+    return object.isIndirect() && object.isDictionary() && !object.hasKey("/Contents") &&
+           !object.hasKey("/Count") && (isField(object) || object.hasKey("/Kids"));
+}
+
+} // namespace
+
+FormFieldCopier::FormFieldCopier(ObjectCopier &objectCopier, DestinationCopier &destinationCopier)
+    : copier(objectCopier), destinations(destinationCopier),
+      sourceForm(objectCopier.sourceCatalog().getKey("/AcroForm")),
+      rootFields(QPDFObjectHandle::newArray())
+{
+}
+
+QPDFObjectHandle FormFieldCopier::parentOf(QPDFObjectHandle field)
+{
+    QPDFObjectHandle parent = field.getKey("/Parent");
+    if (!parent.isNull() || field.hasKey("/T") || !field.isIndirect())
+        return parent;
+    // Neither a field by itself nor below one: some producers leave /Parent out.
+    if (!kidsAreKnown)
+        readKids();
+    const auto found = parents.find(field.getObjGen());
+    return found == parents.end() ? parent : found->second;
+}
+
+void FormFieldCopier::readKids()
+{
+    kidsAreKnown = true;
+    std::vector<QPDFObjectHandle> waiting;
+    const auto addItems = [&waiting](QPDFObjectHandle array) {
+        if (array.isArray()) {
+            const std::vector<QPDFObjectHandle> items = array.getArrayAsVector();
+            waiting.insert(waiting.end(), items.begin(), items.end());
+        }
+    };
+    if (sourceForm.isDictionary())
+        addItems(sourceForm.getKey("/Fields"));
+    std::set<QPDFObjGen> visited;
+    while (!waiting.empty()) {
+        QPDFObjectHandle field = waiting.back();
+        waiting.pop_back();
+        if (!isFieldNode(field) || !visited.insert(field.getObjGen()).second)
+            continue;
+        const std::size_t first = waiting.size();
+        addItems(field.getKey("/Kids"));
+        for (std::size_t i = first; i < waiting.size(); ++i)
+            parents.emplace(waiting[i].getObjGen(), field);
+    }
+}
+
+/// The value of a field's attribute, which it may inherit (ISO 32000-1, 12.7.3.1).
+QPDFObjectHandle FormFieldCopier::attribute(QPDFObjectHandle field, const char *key)
+{
+    for (int level = 0; field.isDictionary() && level < maximalFieldDepth; ++level) {
+        QPDFObjectHandle value = field.getKey(key);
+        if (!value.isNull())
+            return value;
+        field = parentOf(field);
+    }
+    return QPDFObjectHandle::newNull();
+}
+
+bool FormFieldCopier::isSigned(const QPDFObjectHandle &field)
+{
+    return attribute(field, "/FT").isNameAndEquals("/Sig") && !attribute(field, "/V").isNull();
+}
+
+void FormFieldCopier::announce(const QPDFObjectHandle &widget)
+{
+    if (isSigned(widget))
+        return;
+    hasAnnounced = true;
+    QPDFObjectHandle above = parentOf(widget);
+    for (int level = 0; isFieldNode(above) && level < maximalFieldDepth; ++level) {
+        if (copier.isMapped(above.getObjGen()))
+            return;
+        const QPDFObjectHandle copied = copier.placeholder();
+        copier.map(above.getObjGen(), copied);
+        ancestors[above.getObjGen()].copied = copied;
+        above = parentOf(above);
+    }
+}
+
+void FormFieldCopier::attach(QPDFObjectHandle original, QPDFObjectHandle widget,
+                             const QPDFObjectHandle &reference)
+{
+    if (isSigned(original)) {
+        makePicture(widget);
+        return;
+    }
+    widget.removeKey("/Parent");
+    QPDFObjectHandle lower = widget;
+    QPDFObjectHandle lowerReference = reference;
+    QPDFObjectHandle above = parentOf(original);
+    while (Ancestor *parent = ancestor(above)) {
+        lower.replaceKey("/Parent", parent->copied);
+        const bool isNew = !parent->isFilled;
+        if (isNew)
+            fill(above, *parent);
+        parent->copied.getKey("/Kids").appendItem(lowerReference);
+        if (!isNew)
+            return;
+        lower = parent->copied;
+        lowerReference = parent->copied;
+        above = parentOf(above);
+    }
+    if (isField(lower))
+        rootFields.appendItem(lowerReference);
+}
+
+FormFieldCopier::Ancestor *FormFieldCopier::ancestor(const QPDFObjectHandle &field)
+{
+    const auto found = ancestors.find(field.getObjGen());
+    return found == ancestors.end() ? nullptr : &found->second;
+}
+
+void FormFieldCopier::fill(const QPDFObjectHandle &original, Ancestor &field)
+{
+    QPDFObjectHandle copied = QPDFObjectHandle::newDictionary();
+    for (const auto &[key, value] : QPDFObjectHandle(original).getDictAsMap()) {
+        if (key == "/AA")
+            copied.replaceKey(key, destinations.copyAdditionalActions(value));
+        else if (key != "/Kids" && key != "/Parent" && key != "/P")
+            ObjectCopier::setEntry(copied, key, copier.copy(value));
+    }
+    copied.replaceKey("/Kids", QPDFObjectHandle::newArray());
+    copier.targetDocument().replaceObject(field.copied.getObjGen(), copied);
+    field.isFilled = true;
+}
+
+void FormFieldCopier::makePicture(QPDFObjectHandle widget)
+{
+    // A stamp is what shows an appearance and nothing else.
+    static const char *const fieldKeys[] = {"/Parent", "/FT", "/T",  "/TU",   "/TM",     "/Ff",
+                                            "/V",      "/DV", "/AA", "/Lock", "/MaxLen", "/Opt",
+                                            "/A",      "/MK", "/SV", "/H",    "/TI",     "/I"};
+    for (const char *key : fieldKeys)
+        widget.removeKey(key);
+    widget.replaceKey("/Subtype", QPDFObjectHandle::newName("/Stamp"));
+}
+
+QPDFObjectHandle FormFieldCopier::calculationOrder()
+{
+    QPDFObjectHandle order = sourceForm.getKey("/CO");
+    QPDFObjectHandle result = QPDFObjectHandle::newArray();
+    if (!order.isArray())
+        return QPDFObjectHandle::newNull();
+    for (const QPDFObjectHandle &field : order.getArrayAsVector()) {
+        QPDFObjectHandle copied = copier.mapped(field.getObjGen());
+        if (copied.isDictionary())
+            result.appendItem(copied);
+    }
+    return result.getArrayNItems() > 0 ? result : QPDFObjectHandle::newNull();
+}
+
+QPDFObjectHandle FormFieldCopier::formDictionary()
+{
+    if (!sourceForm.isDictionary() || rootFields.getArrayNItems() == 0)
+        return QPDFObjectHandle::newNull();
+    QPDFObjectHandle form = QPDFObjectHandle::newDictionary();
+    for (const char *key : {"/DR", "/DA", "/Q", "/NeedAppearances"})
+        form.replaceKey(key, copier.copy(sourceForm.getKey(key)));
+    form.replaceKey("/CO", calculationOrder());
+    form.replaceKey("/Fields", rootFields);
+    return form;
+}
+
+} // namespace pdf

@@ -1,0 +1,74 @@
+// SPDX-FileCopyrightText: 2026 The Sendrivo authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "pdf/document/mappedfile.h"
+
+#include "pdf/error.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace pdf {
+
+namespace {
+
+class Descriptor
+{
+public:
+    explicit Descriptor(int number) : fd(number) {}
+    ~Descriptor()
+    {
+        if (fd >= 0)
+            ::close(fd);
+    }
+    Descriptor(const Descriptor &) = delete;
+    Descriptor &operator=(const Descriptor &) = delete;
+    [[nodiscard]] int get() const { return fd; }
+
+private:
+    int fd;
+};
+
+} // namespace
+
+MappedFile::MappedFile(const std::string &path) : name(path)
+{
+    const auto refuse = [&path](const char *cause) {
+        throw Error(ExitCode::InputUnreadable, path + ": " + cause);
+    };
+    // Without O_NONBLOCK, opening a named pipe would wait for a writer for ever.
+    const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    struct stat status = {};
+    if (file.get() < 0 || ::fstat(file.get(), &status) != 0)
+        refuse(std::strerror(errno));
+    if (S_ISDIR(status.st_mode))
+        refuse("is a folder");
+    if (!S_ISREG(status.st_mode))
+        refuse("is not a regular file");
+    if (status.st_size == 0)
+        refuse("is empty");
+    size = static_cast<std::size_t>(status.st_size);
+    void *mapping = ::mmap(nullptr, size, PROT_READ, MAP_PRIVATE, file.get(), 0);
+    if (mapping == MAP_FAILED)
+        refuse(std::strerror(errno));
+    data = static_cast<const char *>(mapping);
+}
+
+MappedFile::~MappedFile()
+{
+    ::munmap(const_cast<char *>(data), size);
+}
+
+bool isSameFile(const std::string &path, const std::string &otherPath)
+{
+    struct stat one = {};
+    struct stat other = {};
+    return ::stat(path.c_str(), &one) == 0 && ::stat(otherPath.c_str(), &other) == 0 &&
+           one.st_dev == other.st_dev && one.st_ino == other.st_ino;
+}
+
+} // namespace pdf

@@ -1,0 +1,36 @@
+// SPDX-FileCopyrightText: 2026 The Sendrivo authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include "pdf/document/objectpeek.h"
+
+#include <map>
+#include <qpdf/QPDF.hh>
+#include <string_view>
+
+namespace pdf {
+
+/// Where the objects of an open document stand in its file, for looking at them without building
+/// qpdf's objects. Answers only what is certain: nothing in damaged files, nothing about objects
+/// inside object streams.
+class ObjectBytes
+{
+public:
+    ObjectBytes(QPDF &pdf, std::string_view file);
+
+    /// What the object says as a part of the page tree; no value when qpdf is to be asked.
+    [[nodiscard]] std::optional<PeekedNode> peekNode(QPDFObjGen object) const;
+    /// The entries of the object if it is a dictionary; no value when qpdf is to be asked.
+    [[nodiscard]] std::optional<RawEntries> peekEntries(QPDFObjGen object) const;
+    /// The file from where the object begins ("7 0 obj"); empty when qpdf is to be asked.
+    [[nodiscard]] std::string_view from(QPDFObjGen object) const;
+
+private:
+    [[nodiscard]] std::optional<std::size_t> offsetOf(QPDFObjGen object) const;
+
+    std::string_view bytes;
+    std::map<QPDFObjGen, QPDFXRefEntry> offsets;
+};
+
+} // namespace pdf

@@ -1,0 +1,112 @@
+// SPDX-FileCopyrightText: 2026 The Sendrivo authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "pdf/layout/fontglyphs.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace pdf {
+
+namespace {
+
+constexpr std::size_t byteCodes = 256;
+/// Fonts kept from page to page; a document of merged parts may have thousands.
+constexpr std::size_t largestStore = 32;
+
+bool readsSingleBytes(const pdf_cmap *encoding)
+{
+    return encoding->codespace_len == 1 && encoding->codespace[0].n == 1 &&
+           encoding->codespace[0].low == 0 && encoding->codespace[0].high == 0xFF;
+}
+
+} // namespace
+
+FontGlyphs::FontGlyphs(fz_context *usedContext, pdf_font_desc *usedFont)
+    : context(usedContext), description(usedFont),
+      hasByteCodes(readsSingleBytes(usedFont->encoding)), entries(byteCodes)
+{
+    pdf_keep_font(context, description);
+}
+
+FontGlyphs::~FontGlyphs()
+{
+    pdf_drop_font(context, description);
+}
+
+const FontGlyph &FontGlyphs::lookUp(std::string_view string)
+{
+    // MuPDF reads the codes through a pointer that is not const, but changes nothing.
+    auto *begin = reinterpret_cast<unsigned char *>(const_cast<char *>(string.data()));
+    unsigned code = 0;
+    const int length = pdf_decode_cmap(description->encoding, begin, begin + string.size(), &code);
+    FontGlyph &entry = entries[code % byteCodes];
+    const unsigned codeLength = static_cast<unsigned>(std::max(1, length));
+    if (entry.isKnown && entry.code == code && entry.codeLength == codeLength)
+        return entry;
+    entry = FontGlyph();
+    entry.code = code;
+    entry.codeLength = codeLength;
+    fill(entry);
+    entry.isKnown = true;
+    return entry;
+}
+
+void FontGlyphs::fill(FontGlyph &entry) const
+{
+    constexpr double unitsPerEm = 1000;
+    const int cid = pdf_lookup_cmap(description->encoding, entry.code);
+    entry.isShown = cid >= 0;
+    if (!entry.isShown)
+        return;
+    entry.glyph = pdf_font_cid_to_gid(context, description, cid);
+    if (isVertical()) {
+        const pdf_vmtx metrics = pdf_lookup_vmtx(context, description, cid);
+        entry.penStep = metrics.w / unitsPerEm;
+        entry.originX = metrics.x / unitsPerEm;
+        entry.originY = metrics.y / unitsPerEm;
+    } else {
+        entry.penStep = pdf_lookup_hmtx(context, description, cid).w / unitsPerEm;
+    }
+    entry.advance = static_cast<double>(
+        fz_advance_glyph(context, description->font, entry.glyph, isVertical() ? 1 : 0));
+    fillCharacters(entry, cid);
+}
+
+void FontGlyphs::fillCharacters(FontGlyph &entry, int cid) const
+{
+    int characters[PDF_MRANGE_CAP] = {};
+    int count = 0;
+    if (description->to_unicode != nullptr)
+        count =
+            pdf_lookup_cmap_full(description->to_unicode, static_cast<unsigned>(cid), characters);
+    if (count == 0 && static_cast<std::size_t>(cid) < description->cid_to_ucs_len) {
+        characters[0] = description->cid_to_ucs[cid];
+        count = 1;
+    }
+    if (count == 0 || (count == 1 && characters[0] == 0)) {
+        characters[0] = FZ_REPLACEMENT_CHARACTER;
+        count = 1;
+    }
+    for (int i = 0; i < count; ++i)
+        entry.characters[i] = static_cast<char32_t>(characters[i]);
+    entry.count = count;
+}
+
+FontGlyphs *FontStore::glyphs(pdf_font_desc *font)
+{
+    const auto found = std::find_if(fonts.begin(), fonts.end(),
+                                    [font](const auto &known) { return known->font() == font; });
+    if (found != fonts.end())
+        return found->get();
+    fonts.push_back(std::make_unique<FontGlyphs>(context, font));
+    return fonts.back().get();
+}
+
+void FontStore::forgetUnused()
+{
+    if (fonts.size() > largestStore)
+        fonts.clear();
+}
+
+} // namespace pdf

@@ -1,0 +1,333 @@
+// SPDX-FileCopyrightText: 2026 The Sendrivo authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "pdf/layout/pagereader.h"
+
+#include "pdf/error.h"
+#include "pdf/layout/fragments.h"
+#include "pdf/layout/glyphcollector.h"
+#include "pdf/layout/pagetext.h"
+#include "pdf/layout/pngfile.h"
+
+#include <cstring>
+#include <mupdf/fitz.h>
+#include <mupdf/pdf.h>
+#include <utility>
+
+// MuPDF reports errors by longjmp. Between fz_try and fz_catch therefore stand only C functions and
+// plain values; objects with destructors live outside, and C++ exceptions start after fz_catch.
+
+namespace pdf {
+
+namespace {
+
+/// Fonts and images kept for the next page.
+constexpr std::size_t storeBytes = std::size_t{32} << 20;
+/// Pages after which the objects read for them are forgotten. Without that a worker's memory would
+/// grow by some kilobytes a page up to its limit.
+constexpr int pagesRemembered = 500;
+/// Largest page image, 200 MB in memory: a side of 2 m at 96 dpi.
+constexpr double largestImagePixels = 64e6;
+constexpr float layoutScale = static_cast<float>(layoutDpi / 72);
+
+void ignoreMessage(void * /*user*/, const char * /*message*/)
+{
+}
+
+/// The cause of the last failed fz_try, in one line.
+[[noreturn]] void fail(fz_context *context)
+{
+    const char *cause = fz_caught_message(context);
+    throw Error(ExitCode::InputUnreadable,
+                *cause != '\0' ? std::string("damaged: ") + cause : "damaged");
+}
+
+struct ContextDeleter
+{
+    void operator()(fz_context *context) const { fz_drop_context(context); }
+};
+
+/// A page that is dropped at the end of its use.
+class LoadedPage
+{
+public:
+    LoadedPage(fz_context *usedContext, pdf_document *usedDocument)
+        : context(usedContext), document(usedDocument)
+    {
+    }
+    ~LoadedPage()
+    {
+        if (page != nullptr)
+            fz_drop_page(context, &page->super);
+    }
+    LoadedPage(const LoadedPage &) = delete;
+    LoadedPage &operator=(const LoadedPage &) = delete;
+
+    fz_context *context;
+    pdf_document *document;
+    pdf_page *page = nullptr;
+    fz_rect bounds = {};
+    fz_matrix toPage = {}; ///< from the coordinates of the contents to the displayed page's
+};
+
+/// Takes the links off a page in memory. They show nothing, and loading a page resolves each one's
+/// target by a search through the page tree.
+void removeLinks(fz_context *context, pdf_obj *page)
+{
+    pdf_obj *annotations = pdf_dict_get(context, page, PDF_NAME(Annots));
+    for (int i = pdf_array_len(context, annotations) - 1; i >= 0; --i) {
+        pdf_obj *annotation = pdf_array_get(context, annotations, i);
+        if (pdf_name_eq(context, pdf_dict_get(context, annotation, PDF_NAME(Subtype)),
+                        PDF_NAME(Link)))
+            pdf_array_delete(context, annotations, i);
+    }
+}
+
+/// Makes the page object the only page of the document in memory. MuPDF loads pages by their place
+/// in the page tree, and walks the tree from the start each time.
+void makeOnlyPage(fz_context *context, pdf_document *document, int number, int parent)
+{
+    pdf_obj *page = nullptr;
+    pdf_obj *kids = nullptr;
+    fz_var(page);
+    fz_var(kids);
+    fz_try(context)
+    {
+        page = pdf_new_indirect(context, document, number, 0);
+        if (!pdf_is_dict(context, page))
+            fz_throw(context, FZ_ERROR_GENERIC, "page object is not readable");
+        if (!pdf_name_eq(context, pdf_dict_get(context, page, PDF_NAME(Type)), PDF_NAME(Page)))
+            pdf_dict_put(context, page, PDF_NAME(Type), PDF_NAME(Page));
+        if (parent != 0 &&
+            pdf_to_num(context, pdf_dict_get(context, page, PDF_NAME(Parent))) != parent)
+            pdf_dict_put_drop(context, page, PDF_NAME(Parent),
+                              pdf_new_indirect(context, document, parent, 0));
+        removeLinks(context, page);
+        kids = pdf_new_array(context, document, 1);
+        pdf_array_push(context, kids, page);
+        pdf_obj *root = pdf_dict_get(context, pdf_trailer(context, document), PDF_NAME(Root));
+        pdf_obj *tree = pdf_dict_put_dict(context, root, PDF_NAME(Pages), 3);
+        pdf_dict_put(context, tree, PDF_NAME(Type), PDF_NAME(Pages));
+        pdf_dict_put_int(context, tree, PDF_NAME(Count), 1);
+        pdf_dict_put(context, tree, PDF_NAME(Kids), kids);
+    }
+    fz_always(context)
+    {
+        pdf_drop_obj(context, kids);
+        pdf_drop_obj(context, page);
+    }
+    fz_catch(context)
+    {
+        fz_rethrow(context);
+    }
+}
+
+void load(LoadedPage *loaded, const PageEntry *entry)
+{
+    makeOnlyPage(loaded->context, loaded->document, entry->page.getObj(), entry->parent.getObj());
+    loaded->page = pdf_load_page(loaded->context, loaded->document, 0);
+    loaded->bounds = pdf_bound_page(loaded->context, loaded->page);
+    fz_rect mediaBox = {};
+    pdf_page_transform(loaded->context, loaded->page, &mediaBox, &loaded->toPage);
+}
+
+void run(LoadedPage *loaded, fz_device *device)
+{
+    fz_cookie cookie = {};
+    pdf_run_page(loaded->context, loaded->page, device, fz_scale(layoutScale, layoutScale),
+                 &cookie);
+    fz_close_device(loaded->context, device);
+}
+
+/// The page drawn on white. The caller drops the pixmap.
+fz_pixmap *draw(LoadedPage *loaded)
+{
+    fz_context *context = loaded->context;
+    fz_pixmap *pixmap = nullptr;
+    fz_device *device = nullptr;
+    fz_var(pixmap);
+    fz_var(device);
+    fz_try(context)
+    {
+        const fz_irect box =
+            fz_round_rect(fz_transform_rect(loaded->bounds, fz_scale(layoutScale, layoutScale)));
+        if (static_cast<double>(box.x1 - box.x0) * (box.y1 - box.y0) > largestImagePixels)
+            fz_throw(context, FZ_ERROR_GENERIC, "page is too large to be drawn");
+        pixmap = fz_new_pixmap_with_bbox(context, fz_device_rgb(context), box, nullptr, 0);
+        fz_clear_pixmap_with_value(context, pixmap, 0xFF);
+        device = fz_new_draw_device(context, fz_identity, pixmap);
+        run(loaded, device);
+    }
+    fz_always(context)
+    {
+        fz_drop_device(context, device);
+    }
+    fz_catch(context)
+    {
+        fz_drop_pixmap(context, pixmap);
+        fz_rethrow(context);
+    }
+    return pixmap;
+}
+
+pdf_document *openDocument(fz_context *context, std::string_view bytes)
+{
+    fz_stream *stream = nullptr;
+    pdf_document *document = nullptr;
+    fz_var(stream);
+    fz_var(document);
+    fz_try(context)
+    {
+        stream = fz_open_memory(context, reinterpret_cast<const unsigned char *>(bytes.data()),
+                                bytes.size());
+        document = pdf_open_document_with_stream(context, stream);
+        if (pdf_needs_password(context, document) != 0)
+            fz_throw(context, FZ_ERROR_GENERIC, "needs a password");
+    }
+    fz_always(context)
+    {
+        fz_drop_stream(context, stream);
+    }
+    fz_catch(context)
+    {
+        pdf_drop_document(context, document);
+        fz_rethrow(context);
+    }
+    return document;
+}
+
+/// Number of the page object at the index of a page tree that is one node.
+int flatPageNumber(fz_context *context, pdf_document *document, int index)
+{
+    pdf_obj *root = pdf_dict_get(context, pdf_trailer(context, document), PDF_NAME(Root));
+    pdf_obj *tree = pdf_dict_get(context, root, PDF_NAME(Pages));
+    pdf_obj *kids = pdf_dict_get(context, tree, PDF_NAME(Kids));
+    return pdf_to_num(context, pdf_array_get(context, kids, index));
+}
+
+} // namespace
+
+struct PageReader::Engine
+{
+    explicit Engine(const ReadablePages &readablePages)
+        : pages(readablePages), context(fz_new_context(nullptr, nullptr, storeBytes)),
+          fonts(context.get())
+    {
+    }
+    ~Engine()
+    {
+        if (document != nullptr)
+            pdf_drop_document(context.get(), document);
+    }
+    Engine(const Engine &) = delete;
+    Engine &operator=(const Engine &) = delete;
+
+    /// Throws MuPDF exceptions only.
+    void open()
+    {
+        document = openDocument(context.get(), pages.bytes());
+        int index = 0;
+        for (int &number : copiedPages)
+            number = flatPageNumber(context.get(), document, index++);
+        pdf_mark_xref(context.get(), document);
+    }
+
+    /// Throws MuPDF exceptions only.
+    void forgetPages()
+    {
+        if (++pagesRead % pagesRemembered == 0)
+            pdf_clear_xref_to_mark(context.get(), document);
+    }
+
+    [[nodiscard]] PageEntry entry(int index) const
+    {
+        if (copiedPages.empty())
+            return pages.entry(index);
+        return {QPDFObjGen(copiedPages[static_cast<std::size_t>(index)], 0), QPDFObjGen()};
+    }
+
+    const ReadablePages &pages;
+    std::unique_ptr<fz_context, ContextDeleter> context;
+    FontStore fonts;
+    pdf_document *document = nullptr;
+    int pagesRead = 0;
+    std::vector<int> copiedPages; ///< page objects of a copy, which has numbers of its own
+};
+
+PageReader::PageReader(const ReadablePages &pages) : engine(std::make_unique<Engine>(pages))
+{
+    fz_context *context = engine->context.get();
+    if (context == nullptr)
+        throw Error(ExitCode::InputUnreadable, "not enough memory");
+    fz_set_warning_callback(context, ignoreMessage, nullptr);
+    fz_set_error_callback(context, ignoreMessage, nullptr);
+    if (pages.isCopy())
+        engine->copiedPages.resize(static_cast<std::size_t>(pages.count()));
+    fz_try(context)
+    {
+        engine->open();
+    }
+    fz_catch(context)
+    {
+        fail(context);
+    }
+}
+
+PageReader::~PageReader() = default;
+
+std::vector<Fragment> PageReader::fragments(int index)
+{
+    fz_context *context = engine->context.get();
+    const PageEntry entry = engine->entry(index);
+    LoadedPage loaded(context, engine->document);
+    fz_try(context)
+    {
+        engine->forgetPages();
+        load(&loaded, &entry);
+    }
+    fz_catch(context)
+    {
+        fail(context);
+    }
+    const double scale = static_cast<double>(layoutScale);
+    const Matrix toPixels = Matrix::of(loaded.toPage).followedBy({scale, 0, 0, scale, 0, 0});
+    GlyphCollector collector(static_cast<double>(loaded.bounds.x1 - loaded.bounds.x0) * scale,
+                             static_cast<double>(loaded.bounds.y1 - loaded.bounds.y0) * scale);
+    engine->fonts.forgetUnused();
+    TextInterpreter interpreter(context, &engine->fonts, &collector, toPixels);
+    fz_try(context)
+    {
+        interpretPage(context, loaded.page, &interpreter);
+    }
+    fz_catch(context)
+    {
+        fail(context);
+    }
+    std::vector<GlyphRun> runs = collector.takeRuns();
+    return makeFragments(std::move(runs), collector.takeMarks());
+}
+
+std::string PageReader::image(int index)
+{
+    fz_context *context = engine->context.get();
+    const PageEntry entry = engine->entry(index);
+    LoadedPage loaded(context, engine->document);
+    fz_pixmap *pixmap = nullptr;
+    fz_var(pixmap);
+    fz_try(context)
+    {
+        load(&loaded, &entry);
+        pixmap = draw(&loaded);
+    }
+    fz_catch(context)
+    {
+        fail(context);
+    }
+    const auto drop = [context](fz_pixmap *drawn) { fz_drop_pixmap(context, drawn); };
+    const std::unique_ptr<fz_pixmap, decltype(drop)> guard(pixmap, drop);
+    const RgbImage image{fz_pixmap_samples(context, pixmap), fz_pixmap_width(context, pixmap),
+                         fz_pixmap_height(context, pixmap), fz_pixmap_stride(context, pixmap)};
+    return pngFile(image);
+}
+
+} // namespace pdf

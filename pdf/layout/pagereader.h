@@ -1,0 +1,65 @@
+// SPDX-FileCopyrightText: 2026 The Sendrivo authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include "pdf/document/document.h"
+#include "pdf/layout/fragment.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace pdf {
+
+/// A document's bytes in the form that MuPDF reads, with the page objects' numbers in it. For a
+/// damaged file this is a sound copy in memory, so that both libraries see the same pages.
+class ReadablePages
+{
+public:
+    /// Throws Error(InputUnreadable) when the damage is beyond repair.
+    explicit ReadablePages(Document &inputDocument);
+
+    [[nodiscard]] std::string_view bytes() const { return view; }
+    [[nodiscard]] int count() const { return static_cast<int>(entries.size()); }
+    /// The page object and the node above it, as numbered in the file (not in a copy).
+    [[nodiscard]] const PageEntry &entry(int index) const
+    {
+        return entries[static_cast<std::size_t>(index)];
+    }
+    /// Whether bytes() is a copy, whose page tree is one node that lists all pages.
+    [[nodiscard]] bool isCopy() const { return !copy.empty(); }
+    /// Goes over to a copy, for a file that only one of the two libraries understands.
+    void makeCopy();
+
+private:
+    Document &document;
+    std::string copy;
+    std::string_view view;
+    std::vector<PageEntry> entries;
+};
+
+/// Reads the text and draws the image of single pages. Not for use by several threads.
+class PageReader
+{
+public:
+    /// The pages must outlive the reader. Throws Error(InputUnreadable).
+    explicit PageReader(const ReadablePages &pages);
+    ~PageReader();
+    PageReader(const PageReader &) = delete;
+    PageReader &operator=(const PageReader &) = delete;
+
+    /// The text of the page with this index (from 0), see fragment.h.
+    /// Throws Error(InputUnreadable) when the page cannot be loaded; damaged contents give the text
+    /// before the damage.
+    [[nodiscard]] std::vector<Fragment> fragments(int index);
+    /// The page at layoutDpi as a PNG file: what a viewer shows, annotations included.
+    /// Throws Error(InputUnreadable), also for a page too large to be drawn.
+    [[nodiscard]] std::string image(int index);
+
+private:
+    struct Engine;
+    std::unique_ptr<Engine> engine;
+};
+
+} // namespace pdf

@@ -1,0 +1,255 @@
+// SPDX-FileCopyrightText: 2026 The Sendrivo authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "pdf/layout/pageworkers.h"
+
+#include "pdf/isolation/supervision.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <cstring>
+#include <new>
+#include <sched.h>
+#include <sys/mman.h>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace pdf {
+
+namespace {
+
+constexpr int maximalWorkers = 128;
+
+constexpr long long millisecondsPerSecond = 1000;
+
+long long millisecondsNow()
+{
+    using std::chrono::milliseconds;
+    const auto now = std::chrono::steady_clock::now().time_since_epoch();
+    return std::chrono::duration_cast<milliseconds>(now).count();
+}
+
+/// What one worker is at, written by the worker.
+struct Slot
+{
+    std::atomic<int> page{-1}; ///< -1 while the worker starts or ends
+    std::atomic<long long> sinceMs{0};
+};
+
+/// The state that all processes share.
+struct Board
+{
+    std::atomic<int> nextPage{0};
+    std::atomic<bool> hasGivenUp{false};
+    std::atomic<int> ending{0}; ///< exit code of what ended the whole work, 0 while it goes on
+    Slot slots[maximalWorkers];
+};
+
+class SharedBoard
+{
+public:
+    SharedBoard()
+    {
+        void *memory = ::mmap(nullptr, sizeof(Board), PROT_READ | PROT_WRITE,
+                              MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+        if (memory == MAP_FAILED)
+            throw std::bad_alloc();
+        board = ::new (memory) Board;
+    }
+    ~SharedBoard() { ::munmap(board, sizeof(Board)); }
+    SharedBoard(const SharedBoard &) = delete;
+    SharedBoard &operator=(const SharedBoard &) = delete;
+    Board *operator->() const { return board; }
+
+private:
+    Board *board = nullptr;
+};
+
+/// Holds back SIGCHLD, so that the supervisor can wait for it with a time limit.
+class ChildSignal
+{
+public:
+    ChildSignal()
+    {
+        ::sigemptyset(&set);
+        ::sigaddset(&set, SIGCHLD);
+        ::sigprocmask(SIG_BLOCK, &set, &before);
+    }
+    ~ChildSignal() { restore(); }
+    ChildSignal(const ChildSignal &) = delete;
+    ChildSignal &operator=(const ChildSignal &) = delete;
+
+    void restore() { ::sigprocmask(SIG_SETMASK, &before, nullptr); }
+    void wait() const
+    {
+        constexpr long milliseconds = 200;
+        const timespec timeout{0, milliseconds * 1000 * 1000};
+        ::sigtimedwait(&set, nullptr, &timeout);
+    }
+
+private:
+    sigset_t set = {};
+    sigset_t before = {};
+};
+
+class Supervisor
+{
+public:
+    explicit Supervisor(const PageWork &pageWork)
+        : work(pageWork), count(std::clamp(pageWork.workerCount, 1, maximalWorkers))
+    {
+    }
+
+    ExitCode run()
+    {
+        for (int i = 0; i < count; ++i)
+            start(i);
+        while (running > 0) {
+            signal.wait();
+            for (int i = 0; i < count; ++i)
+                look(i);
+        }
+        if (board->ending != 0)
+            return static_cast<ExitCode>(board->ending.load());
+        return board->hasGivenUp ? ExitCode::DoneInPart : ExitCode::Done;
+    }
+
+private:
+    [[nodiscard]] bool hasWork() const
+    {
+        return board->ending == 0 && board->nextPage < work.pageCount;
+    }
+
+    void start(int worker)
+    {
+        Slot &slot = board->slots[worker];
+        slot.page = -1;
+        slot.sinceMs = millisecondsNow();
+        const pid_t parent = ::getpid();
+        const pid_t process = ::fork();
+        if (process == 0)
+            beWorker(slot, parent);
+        processes[worker] = process;
+        if (process > 0)
+            ++running;
+        else if (running == 0)
+            end(ExitCode::InputUnreadable, std::strerror(errno));
+    }
+
+    /// The whole life of a worker process.
+    [[noreturn]] void beWorker(Slot &slot, pid_t parent)
+    {
+        // A worker whose supervisor was killed would go on writing for nobody.
+        ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+        if (::getppid() != parent)
+            ::_exit(0);
+        signal.restore();
+        confine(work.permissions);
+        try {
+            const std::function<void(int)> convert = work.startWorker();
+            while (hasWork()) {
+                const int page = board->nextPage++;
+                if (page >= work.pageCount)
+                    break;
+                slot.sinceMs = millisecondsNow();
+                slot.page = page;
+                convertOne(convert, page);
+                slot.page = -1;
+            }
+        } catch (const Error &error) {
+            end(error.exitCode(), error.what());
+        } catch (const std::exception &error) {
+            end(ExitCode::InputUnreadable, error.what());
+        }
+        ::_exit(0);
+    }
+
+    void convertOne(const std::function<void(int)> &convert, int page)
+    {
+        try {
+            convert(page);
+        } catch (const Error &error) {
+            if (error.exitCode() == ExitCode::OutputUnwritable)
+                throw;
+            giveUp(page, error.what());
+        } catch (const std::bad_alloc &) {
+            giveUp(page, "needs too much memory");
+        }
+    }
+
+    void giveUp(int page, const std::string &cause)
+    {
+        board->hasGivenUp = true;
+        work.report(page, cause);
+    }
+
+    /// Ends the whole work; of several workers that meet the same cause one reports it.
+    void end(ExitCode code, const std::string &cause)
+    {
+        int expected = 0;
+        if (board->ending.compare_exchange_strong(expected, static_cast<int>(code)))
+            work.report(-1, cause);
+    }
+
+    void look(int worker)
+    {
+        if (processes[worker] <= 0)
+            return;
+        Slot &slot = board->slots[worker];
+        const bool isLate =
+            millisecondsNow() - slot.sinceMs > work.secondsPerPage * millisecondsPerSecond;
+        if (isLate)
+            ::kill(processes[worker], SIGKILL);
+        int status = 0;
+        if (::waitpid(processes[worker], &status, isLate ? 0 : WNOHANG) != processes[worker])
+            return;
+        processes[worker] = 0;
+        --running;
+        if (WIFEXITED(status) && WEXITSTATUS(status) == 0)
+            return;
+        if (WIFEXITED(status)) {
+            // Only an emergency exit ends a worker this way, and it has told the cause.
+            board->ending = WEXITSTATUS(status);
+            return;
+        }
+        const int number = WTERMSIG(status);
+        const std::string cause = isLate ? "takes too long" : causeOfEnd(number);
+        // An input that became shorter is lost for all pages.
+        if (slot.page < 0 || number == SIGBUS)
+            end(ExitCode::InputUnreadable, cause);
+        else
+            giveUp(slot.page, cause);
+        if (hasWork())
+            start(worker);
+    }
+
+    const PageWork &work;
+    int count;
+    SharedBoard board;
+    ChildSignal signal;
+    pid_t processes[maximalWorkers] = {};
+    int running = 0;
+};
+
+} // namespace
+
+ExitCode workOnPages(const PageWork &work)
+{
+    return work.pageCount > 0 ? Supervisor(work).run() : ExitCode::Done;
+}
+
+int usefulWorkerCount(int pageCount)
+{
+    // Starting a further process costs as much as converting about ten pages.
+    constexpr int pagesPerWorker = 10;
+    cpu_set_t available;
+    const bool isKnown = ::sched_getaffinity(0, sizeof available, &available) == 0;
+    const int processors = isKnown ? CPU_COUNT(&available) : 1;
+    return std::clamp(pageCount / pagesPerWorker, 1, std::min(processors, maximalWorkers));
+}
+
+} // namespace pdf
