@@ -38,6 +38,22 @@ bool renameFile(const QByteArray &from, const QByteArray &to, bool mayReplace)
            ::rename(from.constData(), to.constData()) == 0;
 }
 
+/// Gives the file a second name, so that it outlives being replaced; moves it where that is not
+/// possible. True, too, when there is no file.
+bool keepFile(const QByteArray &path, const QByteArray &kept)
+{
+    struct stat status = {};
+    if (::lstat(path.constData(), &status) != 0)
+        return errno == ENOENT;
+    // What is kept is deleted in the end, and a folder that is in the way must not be.
+    if (S_ISDIR(status.st_mode)) {
+        errno = EISDIR;
+        return false;
+    }
+    return ::link(path.constData(), kept.constData()) == 0 ||
+           ::rename(path.constData(), kept.constData()) == 0;
+}
+
 } // namespace
 
 StagingFolder::StagingFolder(const QString &folder) : parent(folder)
@@ -90,17 +106,33 @@ QString StagingFolder::pathOf(int index) const
     return hidden + QLatin1Char('/') + QString::number(index + 1) + QLatin1String(".pdf");
 }
 
+QString StagingFolder::keptPathOf(int index) const
+{
+    return pathOf(index) + QLatin1String(".old");
+}
+
 void StagingFolder::publish(const QStringList &paths, bool mayReplace)
 {
     for (int index = 0; index < paths.size(); ++index) {
-        if (renameFile(QFile::encodeName(pathOf(index)), QFile::encodeName(paths[index]),
-                       mayReplace))
+        const QByteArray target = QFile::encodeName(paths[index]);
+        if ((!mayReplace || keepFile(target, QFile::encodeName(keptPathOf(index)))) &&
+            renameFile(QFile::encodeName(pathOf(index)), target, mayReplace))
             continue;
         const int cause = errno;
-        for (int named = 0; named < index; ++named)
-            QFile::remove(paths[named]);
+        takeBack(paths, index);
         errno = cause;
         fail(paths[index]);
+    }
+}
+
+void StagingFolder::takeBack(const QStringList &paths, int failed) const
+{
+    for (int index = failed; index >= 0; --index) {
+        const QByteArray target = QFile::encodeName(paths[index]);
+        const QByteArray kept = QFile::encodeName(keptPathOf(index));
+        const bool wasThere = ::rename(kept.constData(), target.constData()) == 0;
+        if (!wasThere && errno == ENOENT && index < failed)
+            ::unlink(target.constData());
     }
 }
 

@@ -22,12 +22,15 @@ public:
     /// Where the document with this index (from 0) is written.
     [[nodiscard]] QString pathOf(int index) const;
     /// Gives the documents their names, in this order. Unless `mayReplace`, a file that has such a
-    /// name makes it fail. On failure those that were named are removed again.
+    /// name makes it fail. On failure those that were named are removed again, and
+    /// the files that they had replaced have their names back.
     /// Throws pdf::Error(OutputUnwritable).
     void publish(const QStringList &paths, bool mayReplace);
 
 private:
     bool create();
+    [[nodiscard]] QString keptPathOf(int index) const;
+    void takeBack(const QStringList &paths, int failed) const;
     [[noreturn]] static void fail(const QString &path);
 
     QString parent;

@@ -180,6 +180,8 @@ private slots:
         const QStringList all = {"in/1 20-1-7 in 1-2.pdf", "in/2 INV-2 in 3-5.pdf",
                                  "in/3 INV-3 in 6.pdf"};
         QTest::newRow("overwrite") << "overwrite" << 0 << all << true;
+        QTest::newRow("overwrite, folder in the way")
+            << "overwrite" << 5 << QStringList{all[1]} << false;
         QTest::newRow("fail") << "fail" << 5 << QStringList{all[1]} << false;
         QTest::newRow("rename") << "rename" << 0
                                 << QStringList{all[0], "in/2 INV-2 in 3-5 (2).pdf", all[1], all[2]}
@@ -192,6 +194,8 @@ private slots:
         QDir(output->path()).mkdir("in");
         const QString there = output->filePath("in/2 INV-2 in 3-5.pdf");
         writeFile(there, "mine");
+        if (QByteArray(QTest::currentDataTag()).endsWith("folder in the way"))
+            QDir(output->path()).mkdir("in/3 INV-3 in 6.pdf");
         const ToolResult result = batch(splitArguments({"--existing", mode, path("in.pdf")}));
         QTEST(result.exitCode, "exitCode");
         QTEST(namesIn(output->path()), "names");
