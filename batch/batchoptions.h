@@ -5,11 +5,13 @@
 
 #include "batch/textquery.h"
 #include "pdf/assembly/documentoptions.h"
+#include "pdf/document/mappedfile.h"
 
 #include <QString>
 #include <QStringList>
 
 #include <optional>
+#include <set>
 
 /// What to do about files that have the name of a document already.
 enum class ExistingFiles {
@@ -62,4 +64,6 @@ struct SplitPlan
     ExistingFiles existing = ExistingFiles::Overwrite;
     bool isDryRun = false;
     std::optional<pdf::DocumentOptions> documentOptions;
+    /// Inputs, lists and settings: nothing is written in place of one of them.
+    std::set<pdf::FileIdentity> filesRead;
 };

@@ -4,7 +4,6 @@
 #include "batch/documentnames.h"
 
 #include "batch/nametemplate.h"
-#include "pdf/document/mappedfile.h"
 #include "pdf/error.h"
 #include "split/outputname.h"
 
@@ -68,8 +67,9 @@ private:
             refuse("is too long a name");
         if (plan.existing == ExistingFiles::Fail && QFile::exists(path))
             refuse("exists already");
-        if (pdf::isSameFile(bytes, QFile::encodeName(input).toStdString()))
-            refuse("is the input itself");
+        const std::optional<pdf::FileIdentity> existing = pdf::fileIdentity(bytes);
+        if (existing && plan.filesRead.count(*existing) != 0)
+            refuse("is itself a file that is read");
     }
 
     const SplitPlan &plan;

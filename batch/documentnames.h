@@ -16,7 +16,7 @@ using TakenPaths = QHash<QString, QString>;
 /// The documents of an input with their paths, all fixed before the first is written: unlike each
 /// other and `taken`, and as `plan.existing` wants it, unlike files that exist.
 /// Throws pdf::Error(OutputUnwritable): for a name longer than file systems take, for an existing
-/// file that must not be replaced, and for a path that is itself an input.
+/// file that must not be replaced, and for a path that is itself a file this run reads.
 [[nodiscard]] QList<DocumentResult> nameDocuments(const SplitPlan &plan, const QString &input,
                                                   const SplitDecision &decision,
                                                   const TakenPaths &taken);

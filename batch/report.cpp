@@ -55,13 +55,15 @@ QJsonObject reportEntry(const FileResult &result, const SplitPlan &plan)
 Report::Report(const QString &reportPath, const SplitPlan &splitPlan, bool isResuming)
     : path(reportPath), plan(splitPlan)
 {
-    const int replacing = isResuming ? 0 : O_TRUNC;
-    file = ::open(QFile::encodeName(path).constData(),
-                  O_RDWR | O_APPEND | O_CREAT | O_CLOEXEC | replacing, 0666);
+    file =
+        ::open(QFile::encodeName(path).constData(), O_RDWR | O_APPEND | O_CREAT | O_CLOEXEC, 0666);
     if (file < 0)
         fail();
+    refuseOtherFiles();
     if (isResuming)
         read();
+    else if (QFileInfo(path).isFile() && ::ftruncate(file, 0) != 0)
+        fail();
 }
 
 Report::~Report()
@@ -74,6 +76,20 @@ void Report::fail() const
 {
     const std::string cause = std::strerror(errno);
     throw pdf::Error(pdf::ExitCode::OutputUnwritable, path.toStdString() + ": " + cause);
+}
+
+/// A mistyped name must not cost a document.
+void Report::refuseOtherFiles() const
+{
+    if (!QFileInfo(path).isFile())
+        return;
+    const std::string name = QFile::encodeName(path).toStdString();
+    const std::optional<pdf::FileIdentity> identity = pdf::fileIdentity(name);
+    if (identity && plan.filesRead.count(*identity) != 0)
+        throw pdf::Error(pdf::ExitCode::Usage, name + ": is read, it cannot be the report");
+    char first = 0;
+    if (::pread(file, &first, 1, 0) == 1 && first != '{')
+        throw pdf::Error(pdf::ExitCode::Usage, name + ": exists and is not a report");
 }
 
 void Report::read()

@@ -17,7 +17,8 @@ class Report
 {
 public:
     /// Opens the report, empty unless `isResuming`; then what it says so far is read.
-    /// Throws pdf::Error(OutputUnwritable).
+    /// Throws pdf::Error: OutputUnwritable; Usage when the file is read by this run or has been
+    /// something else than a report so far.
     Report(const QString &path, const SplitPlan &plan, bool isResuming);
     ~Report();
     Report(const Report &) = delete;
@@ -32,6 +33,7 @@ public:
     void append(const FileResult &result);
 
 private:
+    void refuseOtherFiles() const;
     void read();
     void write(const QByteArray &line);
     [[noreturn]] void fail() const;

@@ -92,6 +92,16 @@ SplitPlan makePlan(const BatchOptions &options)
     return plan;
 }
 
+std::set<pdf::FileIdentity> identities(const QStringList &paths)
+{
+    std::set<pdf::FileIdentity> result;
+    for (const QString &path : paths) {
+        if (const auto identity = pdf::fileIdentity(QFile::encodeName(path).toStdString()))
+            result.insert(*identity);
+    }
+    return result;
+}
+
 QString summary(const FileResult &result, const SplitPlan &plan)
 {
     const auto count = [](qsizetype number, const char *what) {
@@ -245,8 +255,10 @@ ExitCode ExitSummary::exitCode() const
 
 ExitCode splitInputs(const BatchOptions &options)
 {
-    const SplitPlan plan = makePlan(options);
-    std::vector<InputGroup> groups = groupInputs(collectInputs(options));
+    SplitPlan plan = makePlan(options);
+    const QStringList inputs = collectInputs(options);
+    plan.filesRead = identities(inputs + QStringList{options.settingsFile, options.filesFrom});
+    std::vector<InputGroup> groups = groupInputs(inputs);
     checkFolders(plan.outputFolder, groups);
     Results results(options, plan);
     results.skipDone(groups);

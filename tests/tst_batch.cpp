@@ -229,6 +229,13 @@ private slots:
         row("no settings", {"--position", "1,1", "--settings=x", "--output-options", "in.pdf"}, 2,
             "x: cannot be read");
         row("unwritable folder", {"--rule", "number", "--output", "/proc", "in.pdf"}, 5, "/proc");
+        row("report is an input", {"--rule", "number", "--report", "in.pdf", "in.pdf"}, 2,
+            "in.pdf: is read");
+        row("report is no report", {"--rule", "number", "--report", "bad.pdf", "in.pdf"}, 2,
+            "bad.pdf: exists and is not");
+        row("document is another input",
+            {"--rule", "number", "--output", ".", "in.pdf", "in/2 INV-2 in 3-5.pdf"}, 5,
+            "in/2 INV-2 in 3-5.pdf: is itself");
         row("locked folder", {"--rule", "number", "file.pdf"}, 5, "is a file where a folder");
     }
     void failures()
@@ -236,6 +243,8 @@ private slots:
         QFETCH(QStringList, arguments);
         QFETCH(QByteArray, complaint);
         writeFile(path("bad.pdf"), "nothing");
+        QDir().mkdir("in");
+        QFile::copy("in.pdf", "in/2 INV-2 in 3-5.pdf");
         writeFile(output->filePath("file"), "in the way");
         const QByteArray line = "0 0 m 9 9 l S";
         writeFile(path("mixed.pdf"), simplePdf({showText(30, 100, "text"), line, line}));

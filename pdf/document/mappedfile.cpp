@@ -63,12 +63,18 @@ MappedFile::~MappedFile()
     ::munmap(const_cast<char *>(data), size);
 }
 
+std::optional<FileIdentity> fileIdentity(const std::string &path)
+{
+    struct stat status = {};
+    if (::stat(path.c_str(), &status) != 0)
+        return std::nullopt;
+    return FileIdentity(status.st_dev, status.st_ino);
+}
+
 bool isSameFile(const std::string &path, const std::string &otherPath)
 {
-    struct stat one = {};
-    struct stat other = {};
-    return ::stat(path.c_str(), &one) == 0 && ::stat(otherPath.c_str(), &other) == 0 &&
-           one.st_dev == other.st_dev && one.st_ino == other.st_ino;
+    const std::optional<FileIdentity> identity = fileIdentity(path);
+    return identity && identity == fileIdentity(otherPath);
 }
 
 } // namespace pdf

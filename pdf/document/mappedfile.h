@@ -4,8 +4,11 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace pdf {
 
@@ -32,6 +35,10 @@ private:
     std::size_t size = 0;
 };
 
+/// What tells a file from all others, whatever its paths: device and number.
+using FileIdentity = std::pair<std::uint64_t, std::uint64_t>;
+/// That of the file to which the path leads, also through links; nothing when there is none.
+[[nodiscard]] std::optional<FileIdentity> fileIdentity(const std::string &path);
 /// Whether both paths lead to the same existing file, also through links.
 [[nodiscard]] bool isSameFile(const std::string &path, const std::string &otherPath);
 
