@@ -50,7 +50,7 @@ FileProcess::FileProcess(const SplitPlan &plan, const FileJob &job, FileProgress
 }
 
 void FileProcess::work(const SplitPlan &plan, const FileJob &job, FileProgress &progress,
-                       int channel)
+                       int channel) noexcept
 {
     StopSignals::handOver();
     pdf::limitProcessorTime(pdf::documentTimeLimitSeconds);

@@ -33,8 +33,10 @@ public:
     [[nodiscard]] FileProgress &progress() const { return shared; }
 
 private:
+    /// An exception must not leave the fork: it would unwind the caller and with it all other
+    /// processes.
     [[noreturn]] static void work(const SplitPlan &plan, const FileJob &job, FileProgress &progress,
-                                  int channel);
+                                  int channel) noexcept;
     void clearAway() const;
 
     QString inputFile;
