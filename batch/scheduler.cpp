@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <array>
+#include <exception>
 #include <memory>
 #include <poll.h>
 #include <sched.h>
@@ -47,17 +48,10 @@ public:
 
     int run()
     {
-        while (startWaiting()) {
-            waitForSomething();
-            for (Place &place : running) {
-                if (place.isReadable && place.process->receive())
-                    finish(place);
-            }
-            const int number = stopSignals.take();
-            if (number != 0 && stoppedBy == 0)
-                stop(number);
-            listener.tick(currentState());
+        while (goOn()) {
         }
+        if (failure)
+            std::rethrow_exception(failure);
         return stoppedBy;
     }
 
@@ -71,6 +65,30 @@ private:
         bool isReadable = false;
     };
 
+    /// Does what there is to do now. Returns whether anything is left.
+    bool goOn()
+    {
+        try {
+            if (!startWaiting())
+                return false;
+            waitForSomething();
+            for (Place &place : running) {
+                if (place.isReadable && place.process->receive())
+                    finish(place);
+            }
+            if (const int number = stopSignals.take())
+                stop(number);
+            listener.tick(currentState());
+        } catch (...) {
+            // A full disk or a closed standard output is no reason to kill an input that is
+            // publishing its documents: it ends the run as a signal does.
+            if (!isStopping)
+                failure = std::current_exception();
+            stop(0);
+        }
+        return true;
+    }
+
     static long long bytesOf(const InputGroup &group)
     {
         long long bytes = 0;
@@ -83,7 +101,7 @@ private:
     bool startWaiting()
     {
         for (Place &place : running) {
-            if (place.process || waiting.empty() || stoppedBy != 0)
+            if (place.process || waiting.empty() || isStopping)
                 continue;
             place.group = waiting.back();
             place.input = 0;
@@ -120,11 +138,11 @@ private:
 
     void finish(Place &place)
     {
-        const FileResult result = place.process->result();
+        const std::unique_ptr<FileProcess> process = std::move(place.process);
+        const FileResult result = process->result();
         InputGroup &group = groups[place.group];
-        place.process.reset();
         // What was stopped has not failed; it is as if it had never begun.
-        if (stoppedBy == 0 || !result.documents.isEmpty()) {
+        if (!isStopping || !result.documents.isEmpty()) {
             ++state.filesDone;
             state.pagesDone += result.pages;
             doneBytes += result.size;
@@ -132,12 +150,15 @@ private:
                 group.taken.insert(document.file, result.input);
             listener.fileDone(result);
         }
-        if (stoppedBy == 0 && ++place.input < group.inputs.size())
+        if (!isStopping && ++place.input < group.inputs.size())
             start(place);
     }
 
     void stop(int number)
     {
+        if (isStopping)
+            return;
+        isStopping = true;
         stoppedBy = number;
         for (const Place &place : running) {
             if (place.process)
@@ -174,7 +195,9 @@ private:
     RunState state;
     long long totalBytes = 0;
     long long doneBytes = 0;
-    int stoppedBy = 0;
+    bool isStopping = false;
+    int stoppedBy = 0; ///< the signal, 0 when there was none
+    std::exception_ptr failure;
 };
 
 } // namespace

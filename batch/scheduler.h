@@ -41,7 +41,8 @@ struct RunListener
 /// of an input are read by several processes.
 ///
 /// SIGINT, SIGTERM and SIGHUP end the run: inputs whose documents are being published are finished,
-/// all others leave nothing. Returns the signal, or 0.
+/// all others leave nothing. Returns the signal, or 0. What the listener throws, or the system
+/// having no further process, ends the run in the same way and is thrown when it has ended.
 [[nodiscard]] int runGroups(const SplitPlan &plan, std::vector<InputGroup> groups, int jobs,
                             const RunListener &listener);
 

@@ -269,10 +269,17 @@ ExitCode splitInputs(const BatchOptions &options)
     listener.fileDone = [&](const FileResult &result) { results.add(result); };
     listener.tick = [&](const RunState &state) { results.show(state); };
     const int jobs = options.jobs > 0 ? options.jobs : availableProcessors();
-    if (const int number = runGroups(plan, groups, jobs, listener)) {
+    // Who reads the results may go away, as "head" does; that is an error of the output then.
+    std::signal(SIGPIPE, SIG_IGN);
+    try {
+        if (const int number = runGroups(plan, groups, jobs, listener)) {
+            results.stopped(files);
+            std::fflush(nullptr);
+            std::raise(number);
+        }
+    } catch (...) {
         results.stopped(files);
-        std::fflush(nullptr);
-        std::raise(number);
+        throw;
     }
     results.end();
     return results.exitCode();

@@ -208,6 +208,22 @@ private slots:
         QVERIFY(filesIn(output->path()) == expected);
     }
 
+    /// A reader of the results that goes away ends the run as a signal does.
+    void outputIsClosed()
+    {
+        const QStringList call = arguments({"--jobs", "2", "--report", path("report")}) + inputs;
+        QProcess shell;
+        shell.start("bash",
+                    QStringList{"-c", "\"$0\" \"$@\" | true; exit ${PIPESTATUS[0]}",
+                                QCoreApplication::applicationDirPath() + "/sendrivo-batch"} +
+                        call);
+        QVERIFY(shell.waitForFinished(timeLimitMs));
+        QCOMPARE(shell.exitCode(), 5);
+        const qsizetype done = jsonLines(readFile(path("report"))).size();
+        QVERIFY(done > 0 && done < fileCount);
+        QCOMPARE(namesIn(output->path()).size(), done * documentsEach);
+    }
+
     void overlappingRuns()
     {
         const auto first = startBatch(arguments(inputs));
