@@ -306,6 +306,14 @@ private slots:
         QVERIFY(!std::get<2>(open("secret")));
         QVERIFY(std::get<3>(open("secret")));
 
+        // A password of our own does not lift what the input forbids.
+        QDir::current().mkdir("forbidden");
+        encryptSamplePdf(path("xmp.pdf"), path("forbidden/xmp.pdf"), {{}, true, false});
+        writeFile(settings, "[Secur]\nUsrPwd=secret\n");
+        QCOMPARE(batch(arguments.mid(0, 9) + QStringList{path("forbidden/xmp.pdf")}).exitCode, 0);
+        QVERIFY(!std::get<2>(open("secret")));
+        QVERIFY(std::get<3>(open("secret")));
+
         writeFile(settings, "[Secur]\nOwrPwd=secret\n[Annot]\nPDFA=Ok\n");
         QCOMPARE(batch(arguments).exitCode, 2);
     }

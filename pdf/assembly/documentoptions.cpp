@@ -51,16 +51,26 @@ std::string randomPassword()
     return result;
 }
 
-void encrypt(QPDFWriter &writer, const DocumentOptions &options)
+/// What the document forbids stays forbidden, unless who applies the options is its owner.
+void encrypt(QPDFWriter &writer, QPDF &document, const DocumentOptions &options)
 {
+    const bool isOwner = document.ownerPasswordMatched();
+    const bool mayPrintWell = isOwner || document.allowPrintHighRes();
+    const bool mayPrint = mayPrintWell || document.allowPrintLowRes();
+    const qpdf_r3_print_e print = !options.mayPrint || !mayPrint ? qpdf_r3p_none
+                                  : mayPrintWell                 ? qpdf_r3p_full
+                                                                 : qpdf_r3p_low;
     const std::string owner =
         options.ownerPassword.empty() ? randomPassword() : options.ownerPassword;
-    writer.setR6EncryptionParameters(options.userPassword.c_str(), owner.c_str(),
-                                     /*allow_accessibility=*/true, options.mayCopy,
-                                     /*allow_assemble=*/options.mayModify, options.mayAnnotate,
-                                     /*allow_form_filling=*/options.mayAnnotate, options.mayModify,
-                                     options.mayPrint ? qpdf_r3p_full : qpdf_r3p_none,
-                                     /*encrypt_metadata_aes=*/true);
+    writer.setR6EncryptionParameters(
+        options.userPassword.c_str(), owner.c_str(),
+        /*allow_accessibility=*/isOwner || document.allowAccessibility(),
+        options.mayCopy && (isOwner || document.allowExtractAll()),
+        /*allow_assemble=*/options.mayModify && (isOwner || document.allowModifyAssembly()),
+        options.mayAnnotate && (isOwner || document.allowModifyAnnotation()),
+        /*allow_form_filling=*/options.mayAnnotate && (isOwner || document.allowModifyForm()),
+        options.mayModify && (isOwner || document.allowModifyOther()), print,
+        /*encrypt_metadata_aes=*/true);
 }
 
 } // namespace
@@ -78,7 +88,7 @@ void applyOptions(const std::string &source, const DocumentOptions &options, Out
         writer.setStreamDataMode(qpdf_s_preserve);
         writer.setObjectStreamMode(qpdf_o_preserve);
         if (options.isEncrypting())
-            encrypt(writer, options);
+            encrypt(writer, *document, options);
         else if (!document->isEncrypted())
             writer.setDeterministicID(true);
         writer.write();

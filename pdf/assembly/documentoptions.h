@@ -29,7 +29,8 @@ struct DocumentOptions
 };
 
 /// Writes the document at `source`, which opens without a password, to `output` with the options
-/// applied: information also in its XMP metadata, if it has any; AES-256 if there is a password.
+/// applied: information also in its XMP metadata, if it has any; AES-256 if there is a password,
+/// with the permissions that the document has already and the options leave.
 /// Throws Error: InputUnreadable, OutputUnwritable.
 void applyOptions(const std::string &source, const DocumentOptions &options, OutputFile &output);
 

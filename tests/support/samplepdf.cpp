@@ -172,7 +172,8 @@ void encryptSamplePdf(const QString &source, const QString &path,
     const QByteArray name = QFile::encodeName(path); // the writer keeps the pointer
     QPDFWriter writer(pdf, name.constData());
     writer.setR6EncryptionParameters(encryption.userPassword.constData(), "owner", true, true,
-                                     encryption.mayAssemble, true, true, true, qpdf_r3p_full, true);
+                                     encryption.mayAssemble, true, true, true,
+                                     encryption.mayPrint ? qpdf_r3p_full : qpdf_r3p_none, true);
     writer.write();
 }
 

@@ -29,6 +29,7 @@ struct SampleEncryption
 {
     QByteArray userPassword; ///< empty: opens without being asked
     bool mayAssemble = true; ///< permission to take pages out
+    bool mayPrint = true;
 };
 
 /// Writes a PDF of `invoices`, one after another, to `path`. The application object must be a
