@@ -36,6 +36,20 @@ QStringList readList(const QString &source)
     return names;
 }
 
+/// The absolute path of the file that the system opens under the name. The folder is the real one,
+/// as ".." behind a link leads elsewhere than it seems to; the file's own name stays as it is, for
+/// its documents are named after it.
+QString inputPath(const QString &name)
+{
+    const qsizetype slash = name.lastIndexOf(QLatin1Char('/'));
+    const QString own = name.mid(slash + 1);
+    const QString folder =
+        QFileInfo(slash < 0 ? QStringLiteral(".") : name.left(slash + 1)).canonicalFilePath();
+    if (folder.isEmpty()) // there is no such folder
+        return QDir::isAbsolutePath(name) ? name : QDir::currentPath() + QLatin1Char('/') + name;
+    return folder.endsWith(QLatin1Char('/')) ? folder + own : folder + QLatin1Char('/') + own;
+}
+
 [[noreturn]] void refuse(const QString &path, const char *cause)
 {
     throw pdf::Error(pdf::ExitCode::OutputUnwritable, path.toStdString() + ": " + cause);
@@ -58,7 +72,7 @@ QStringList collectInputs(const BatchOptions &options)
     QStringList inputs;
     QSet<QString> seen;
     for (const QString &name : std::as_const(names)) {
-        const QString path = QDir::cleanPath(QFileInfo(name).absoluteFilePath());
+        const QString path = inputPath(name);
         if (!seen.contains(path))
             inputs.append(path);
         seen.insert(path);

@@ -12,7 +12,7 @@
 
 /// The inputs of a call as absolute paths: those given, and those in the lists, from a file or,
 /// for "-", from standard input. A list that holds a NUL is separated by NULs, else by line feeds;
-/// empty entries do not count. What is listed twice is taken once.
+/// empty entries do not count. What is listed twice, also by way of linked folders, is taken once.
 /// Throws pdf::Error(Usage) when a list cannot be read, or a name is not valid UTF-8.
 [[nodiscard]] QStringList collectInputs(const BatchOptions &options);
 

@@ -134,7 +134,11 @@ private slots:
     {
         QFETCH(QStringList, options);
         QFETCH(char, separator);
-        const QByteArray list = (inputs[0] + QChar(separator) + "many 1.pdf").toUtf8();
+        QDir().mkpath("folder/below");
+        QFile::link(path("folder"), "folder/below/link");
+        // The last two are the same file.
+        const QStringList names = {inputs[0], "many 1.pdf", "folder/below/link/../many 1.pdf"};
+        const QByteArray list = names.join(QChar(separator)).toUtf8();
         writeFile(path("list"), list);
         const auto process = startBatch(arguments({"--dry-run", "--json"}) + options);
         process->write(list);
