@@ -60,10 +60,11 @@ struct SplitPlan
     QString ruleName; ///< empty when the position was given
     int methodIndex = 0;
     QString nameTemplate;
-    QString outputFolder; ///< as given
+    QString outputFolder; ///< absolute, without links
     ExistingFiles existing = ExistingFiles::Overwrite;
     bool isDryRun = false;
     std::optional<pdf::DocumentOptions> documentOptions;
+    QString documentOptionsState; ///< differs when the file that they are from was changed
     /// Inputs, lists and settings: nothing is written in place of one of them.
     std::set<pdf::FileIdentity> filesRead;
 };

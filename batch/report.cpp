@@ -28,7 +28,7 @@ QJsonObject request(const SplitPlan &plan)
             {"match", plan.query.match.pattern()},
             {"method", plan.methodIndex + 1},
             {"name", plan.nameTemplate},
-            {"outputOptions", plan.documentOptions.has_value()},
+            {"outputOptions", plan.documentOptionsState},
             {"output", plan.outputFolder}};
 }
 
@@ -55,8 +55,10 @@ QJsonObject reportEntry(const FileResult &result, const SplitPlan &plan)
 Report::Report(const QString &reportPath, const SplitPlan &splitPlan, bool isResuming)
     : path(reportPath), plan(splitPlan)
 {
-    file =
-        ::open(QFile::encodeName(path).constData(), O_RDWR | O_APPEND | O_CREAT | O_CLOEXEC, 0666);
+    const int mode = plan.isDryRun ? O_RDONLY : O_RDWR | O_APPEND | O_CREAT;
+    file = ::open(QFile::encodeName(path).constData(), mode | O_CLOEXEC, 0666);
+    if (file < 0 && plan.isDryRun && errno == ENOENT)
+        return;
     if (file < 0)
         fail();
     refuseOtherFiles();
@@ -111,7 +113,7 @@ void Report::read()
         else
             doneInputs.remove(result.input);
     }
-    if (!line.isEmpty() && !line.endsWith('\n'))
+    if (!plan.isDryRun && !line.isEmpty() && !line.endsWith('\n'))
         write("\n");
 }
 

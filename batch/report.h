@@ -16,7 +16,8 @@
 class Report
 {
 public:
-    /// Opens the report, empty unless `isResuming`; then what it says so far is read.
+    /// Opens the report, empty unless `isResuming`; then what it says so far is read. A dry run
+    /// reads only, and does without a report that does not exist.
     /// Throws pdf::Error: OutputUnwritable; Usage when the file is read by this run or has been
     /// something else than a report so far.
     Report(const QString &path, const SplitPlan &plan, bool isResuming);
@@ -25,8 +26,8 @@ public:
     Report &operator=(const Report &) = delete;
 
     /// The entry that shows the input as done, if there is one: written for the same rule,
-    /// position, method and naming, when the input had the size and time that it has now, without a
-    /// failure, and with all its documents still there.
+    /// position, method, naming and output options, when the input had the size and time that it
+    /// has now, without a failure, and with all its documents still there.
     [[nodiscard]] std::optional<FileResult> doneBefore(const QString &input) const;
 
     /// Throws pdf::Error(OutputUnwritable).

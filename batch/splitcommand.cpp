@@ -12,6 +12,7 @@
 #include "pdf/error.h"
 #include "rules/rulestore.h"
 
+#include <QDateTime>
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QSettings>
@@ -52,6 +53,15 @@ TextQuery makeQuery(const BatchOptions &options)
     return query;
 }
 
+/// Size and time of last change. What the file says itself must not get into a report: there may be
+/// a password in it.
+QString stateOf(const QString &path)
+{
+    const QFileInfo file(path);
+    return QString::number(file.size()) + QLatin1Char(' ') +
+           file.lastModified().toUTC().toString(Qt::ISODateWithMs);
+}
+
 pdf::DocumentOptions makeDocumentOptions(const QString &settingsFile)
 {
     // Without this a mistyped name would give documents without their password.
@@ -84,11 +94,15 @@ SplitPlan makePlan(const BatchOptions &options)
     plan.nameTemplate = options.nameTemplate;
     if (!plan.nameTemplate.isEmpty())
         const NameTemplate checked(plan.nameTemplate);
-    plan.outputFolder = QFileInfo(options.outputFolder).absoluteFilePath();
+    // One folder has one spelling, for reports tell runs apart by it.
+    const QFileInfo folder(options.outputFolder);
+    plan.outputFolder = folder.exists() ? folder.canonicalFilePath() : folder.absoluteFilePath();
     plan.existing = options.existing;
     plan.isDryRun = options.isDryRun;
-    if (options.usesOutputOptions)
+    if (options.usesOutputOptions) {
+        plan.documentOptionsState = stateOf(options.settingsFile);
         plan.documentOptions = makeDocumentOptions(options.settingsFile);
+    }
     return plan;
 }
 
@@ -119,7 +133,8 @@ public:
     Results(const BatchOptions &batchOptions, const SplitPlan &splitPlan)
         : options(batchOptions), plan(splitPlan), progress(!options.isQuiet)
     {
-        if (!options.reportFile.isEmpty() && !options.isDryRun)
+        // What a dry run would skip is in the report, too.
+        if (!options.reportFile.isEmpty() && (!plan.isDryRun || options.isResuming))
             report.emplace(options.reportFile, plan, options.isResuming);
     }
 
@@ -157,7 +172,7 @@ public:
             complain(result.input + QLatin1String(": ") + complaint);
         if (result.verdict != verdict::done)
             complain(result.input + QLatin1String(": ") + remark(result));
-        if (report)
+        if (report && !plan.isDryRun)
             report->append(result);
         print(result);
     }

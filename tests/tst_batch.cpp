@@ -347,14 +347,30 @@ private slots:
 
         // What is not there any more is written again, what was cut off means nothing.
         QFile::remove(second);
-        QFile(report).open(QIODevice::Append);
         QFile cut(report);
         QVERIFY(cut.open(QIODevice::Append));
         cut.write("{\"input\":");
         cut.close();
+        const QByteArray before = readFile(report);
+        const QByteArray planned = batch(arguments + QStringList{"--dry-run"}).output;
+        QVERIFY2(planned.contains("3-5") && !planned.contains("feed"), planned);
+        QCOMPARE(readFile(report), before);
         QCOMPARE(batch(arguments).exitCode, 4);
         QVERIFY(QFile::exists(second));
         QCOMPARE(jsonLines(readFile(report)).size(), 3 + 1 + 2);
+
+        // Another spelling of the folder changes nothing, other output options do.
+        const auto entriesAfter = [&](const QStringList &further) {
+            const QStringList call = {
+                "--position",         "1,1",      "--settings", path("o.ini"), "--output",
+                output->path() + "/", "--report", path("r"),    "--resume",    path("in.pdf")};
+            return batch(call + further).exitCode == 0 ? jsonLines(readFile(path("r"))).size() : 0;
+        };
+        writeFile(path("o.ini"), "[Annot]\nTit=A\n");
+        QCOMPARE(entriesAfter({"--output-options"}), 1);
+        QCOMPARE(entriesAfter({"--output-options", "--output", output->path()}), 1);
+        writeFile(path("o.ini"), "[Annot]\nTit=AB\n");
+        QCOMPARE(entriesAfter({"--output-options"}), 2);
     }
 };
 
