@@ -25,7 +25,7 @@
 FileProcess::FileProcess(const SplitPlan &plan, const FileJob &job, FileProgress &progress)
     : inputFile(job.input),
       documentFolder(plan.outputFolder + QLatin1Char('/') + QFileInfo(job.input).baseName()),
-      shared(progress)
+      hadFolder(QFileInfo::exists(documentFolder)), shared(progress)
 {
     shared.pageCount = 0;
     shared.pagesDone = 0;
@@ -115,9 +115,9 @@ void FileProcess::clearAway() const
     const QDir folder(documentFolder);
     for (int i = 0; i < attempts && folder.exists(); ++i) {
         removeAbandonedStaging(documentFolder);
-        // Only an empty folder goes away.
         if (folder.isEmpty(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot)) {
-            ::rmdir(QFile::encodeName(documentFolder).constData());
+            if (!hadFolder)
+                ::rmdir(QFile::encodeName(documentFolder).constData());
             return;
         }
         if (!hasStaging(documentFolder))

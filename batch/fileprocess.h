@@ -41,6 +41,7 @@ private:
 
     QString inputFile;
     QString documentFolder;
+    bool hadFolder; ///< before this input
     FileProgress &shared;
     pid_t process = -1;
     int channel = -1;

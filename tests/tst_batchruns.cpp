@@ -188,6 +188,8 @@ private slots:
         const QStringList call =
             arguments({"--jobs", "1", "--resume", "--report", path("report")}) + inputs;
         QFile::remove(path("report"));
+        for (const QString &input : std::as_const(inputs))
+            QDir(output->path()).mkdir(QFileInfo(input).baseName());
         const auto process = startBatch(call);
         QVERIFY(process->waitForReadyRead(timeLimitMs)); // the first file is done
         // It may reach the processes of the inputs first.
@@ -202,6 +204,8 @@ private slots:
         QVERIFY(!done.isEmpty() && done.size() < fileCount);
         for (const QJsonObject &line : done)
             QCOMPARE(line["verdict"].toString(), QString("done"));
+        // Folders that were there are still there.
+        QCOMPARE(QDir(output->path()).count(), inputs.size() + 2U);
         if (number != SIGKILL) {
             QCOMPARE(namesIn(output->path()).size(), done.size() * documentsEach);
             const QByteArray said = process->readAllStandardError();
