@@ -58,23 +58,31 @@ bool keepFile(const QByteArray &path, const QByteArray &kept)
 
 StagingFolder::StagingFolder(const QString &folder) : parent(folder)
 {
-    isParentNew = ::mkdir(QFile::encodeName(parent).constData(), 0777) == 0;
-    if (!isParentNew && errno != EEXIST)
-        fail(parent);
     removeAbandonedStaging(parent);
-    while (!create()) {
+    // Other runs get in the way only for moments, a link that leads nowhere does for good.
+    constexpr int attempts = 100;
+    for (int i = 1; !create(); ++i) {
+        if (i == attempts)
+            fail(parent);
     }
 }
 
-/// False when another process took the new folder for an abandoned one before it was locked.
+/// False when another process took the new folder for an abandoned one before it was locked, or
+/// removed the parent, which was still empty.
 bool StagingFolder::create()
 {
+    if (::mkdir(QFile::encodeName(parent).constData(), 0777) == 0)
+        isParentNew = true;
+    else if (errno != EEXIST)
+        fail(parent);
     QByteArray name = QFile::encodeName(parent) + '/' + hiddenName.data() + "XXXXXX";
-    if (::mkdtemp(name.data()) == nullptr)
-        fail(parent);
-    lock = ::open(name.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (lock < 0)
-        fail(parent);
+    const bool isMade = ::mkdtemp(name.data()) != nullptr;
+    lock = isMade ? ::open(name.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC) : -1;
+    if (lock < 0) {
+        if (errno != ENOENT)
+            fail(parent);
+        return false;
+    }
     // A file system without locks leaves the folder unlocked, and nobody takes it for abandoned.
     struct stat status = {};
     const bool isTaken = ::flock(lock, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
