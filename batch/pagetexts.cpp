@@ -22,6 +22,13 @@ constexpr char nothingThere = 'N'; ///< nothing: the page has text, but none at 
 constexpr char pageIsEmpty = 'E';  ///< nothing: the page has no text at all
 constexpr char givenUp = 'G';      ///< the cause
 
+/// The record, which is never empty.
+std::string_view recordOf(const SharedRecords &records, int index)
+{
+    const std::string_view record = records.at(index).value_or(std::string_view());
+    return record.empty() ? "Gcannot be read" : record;
+}
+
 /// Runs `convert` for each page in worker processes. The record behind the last page's takes the
 /// cause of what ended the whole work.
 void workInProcesses(pdf::Document &document, SharedRecords &records, int pageCount, int workers,
@@ -42,8 +49,7 @@ void workInProcesses(pdf::Document &document, SharedRecords &records, int pageCo
     const pdf::ExitCode code = pdf::workOnPages(work);
     if (code == pdf::ExitCode::Done || code == pdf::ExitCode::DoneInPart)
         return;
-    const std::string_view cause = records.at(pageCount).value_or(" cannot be read");
-    throw pdf::Error(code, std::string(cause.substr(1)));
+    throw pdf::Error(code, std::string(recordOf(records, pageCount).substr(1)));
 }
 
 std::string pageRecord(const std::vector<pdf::Fragment> &fragments, const TextQuery &query)
@@ -73,7 +79,7 @@ PageTexts readPageTexts(pdf::Document &document, const TextQuery &query, int wor
                     });
     PageTexts result;
     for (int index = 0; index < count; ++index) {
-        const std::string_view record = records.at(index).value_or("Gnot read");
+        const std::string_view record = recordOf(records, index);
         QString text = noText();
         if (record[0] == textFound) {
             text = toText(record.substr(1));
@@ -109,17 +115,22 @@ std::vector<pdf::Fragment> readFragments(pdf::Document &document, int page)
         records.put(0, textFound + record);
     };
     workInProcesses(document, records, 1, 1, store);
-    std::string_view record = records.at(0).value_or("Gnot read");
+    std::string_view record = recordOf(records, 0);
+    const auto giveUp = [&](std::string_view cause) {
+        throw pdf::Error(pdf::ExitCode::InputUnreadable, document.file().path() + ": page " +
+                                                             std::to_string(page) +
+                                                             ": given up: " + std::string(cause));
+    };
     if (record[0] == givenUp)
-        throw pdf::Error(pdf::ExitCode::InputUnreadable,
-                         document.file().path() + ": page " + std::to_string(page) +
-                             ": given up: " + std::string(record.substr(1)));
+        giveUp(record.substr(1));
     std::vector<pdf::Fragment> result;
     for (record.remove_prefix(1); !record.empty();) {
-        int box[5];
-        std::memcpy(box, record.data(), sizeof box);
-        record.remove_prefix(sizeof box);
+        int box[5] = {};
+        std::memcpy(box, record.data(), std::min(record.size(), sizeof box));
+        record.remove_prefix(std::min(record.size(), sizeof box));
         const auto length = static_cast<std::size_t>(box[4]);
+        if (length > record.size())
+            giveUp("cannot be read");
         result.push_back({box[0], box[1], box[2], box[3], std::string(record.substr(0, length))});
         record.remove_prefix(length);
     }

@@ -36,13 +36,19 @@ char *SharedRecords::arena() const
     return memory.extra() + places * sizeof(Place);
 }
 
+/// A writer that a file took over may have written any number.
+bool SharedRecords::isInArena(std::uint64_t offset, std::uint64_t size) const
+{
+    return offset <= capacity && size <= capacity - offset;
+}
+
 void SharedRecords::put(int index, std::string_view bytes)
 {
     Place &target = place(index);
     if (target.isWritten.load(std::memory_order_acquire))
         return;
     const std::uint64_t offset = memory->used.fetch_add(bytes.size());
-    if (offset + bytes.size() > capacity)
+    if (!isInArena(offset, bytes.size()))
         throw pdf::Error(pdf::ExitCode::InputUnreadable, "has more text than can be handled");
     std::memcpy(arena() + offset, bytes.data(), bytes.size());
     target.offset = offset;
@@ -55,5 +61,9 @@ std::optional<std::string_view> SharedRecords::at(int index) const
     const Place &source = place(index);
     if (!source.isWritten.load(std::memory_order_acquire))
         return std::nullopt;
-    return std::string_view(arena() + source.offset, static_cast<std::size_t>(source.size));
+    const std::uint64_t offset = source.offset;
+    const std::uint64_t size = source.size;
+    if (!isInArena(offset, size))
+        return std::nullopt;
+    return std::string_view(arena() + offset, static_cast<std::size_t>(size));
 }

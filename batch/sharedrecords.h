@@ -22,7 +22,8 @@ public:
     /// Writes the record of an index; the first one written stays. Throws pdf::Error when all
     /// records together are too long.
     void put(int index, std::string_view bytes);
-    /// The record, or nothing when none was written.
+    /// The record, or nothing when none was written that can be read. What it says is not to be
+    /// trusted.
     [[nodiscard]] std::optional<std::string_view> at(int index) const;
 
 private:
@@ -38,6 +39,7 @@ private:
     };
     [[nodiscard]] Place &place(int index) const;
     [[nodiscard]] char *arena() const;
+    [[nodiscard]] bool isInArena(std::uint64_t offset, std::uint64_t size) const;
 
     std::size_t places;
     std::size_t capacity;
