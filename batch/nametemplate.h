@@ -11,10 +11,9 @@
 /// A pattern of document names: text with fields in braces, for example "{base}-{n:04}-{text}".
 ///
 /// Fields: {n} number of the document, from 1; {text} the deciding text; {base} the input's name
-/// without folder and suffix; {range} the pages as in "3-5", several with blanks between them;
-/// {first} and {last} page; {pages} their number. Numbers take a width, zeros in front: {n:04}.
-/// "{{" and "}}" stand for braces. ".pdf" is added
-/// where it is missing.
+/// up to its first dot; {range} the pages as in "3-5", several with blanks between them; {first}
+/// and {last} page; {pages} their number. Numbers take a width, zeros in front: {n:04}. "{{" and
+/// "}}" stand for braces. ".pdf" is added where it is missing.
 class NameTemplate
 {
 public:

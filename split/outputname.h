@@ -12,7 +12,7 @@ struct OutputDocument
 {
     int number = 1;   ///< 1-based among the documents of its input file
     QString text;     ///< the text that names the document
-    QString baseName; ///< of the input file: no folder, no suffix
+    QString baseName; ///< of the input file: its name up to the first dot
     QString ranges;   ///< the document's page ranges, as decideSplit() writes them
     int copy = 1;     ///< from 2 on it is added to the name, " (2)", see firstFreePath()
 };

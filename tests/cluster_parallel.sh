@@ -12,23 +12,29 @@ recipe=$3
 command -v parallel >/dev/null || { echo "GNU parallel is missing"; exit 77; }
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
-mkdir "$work/in" "$work/out" "$work/reports" "$work/expected"
-for i in $(seq 60); do cp "$sample/invoices.pdf" "$work/in/file$i.pdf"; done
-find "$work/in" -name '*.pdf' | sort > "$work/list"
+mkdir "$work/in" "$work/out" "$work/expected"
+# Three of a base name share a folder.
+for i in $(seq 60); do cp "$sample/invoices.pdf" "$work/in/file$((i / 3)).$i.pdf"; done
+sed -n "/^    mkdir/,/^\$/s/^    //p" "$recipe" |
+    sed -e "s|/data/|$work/|g; s/lists=20/lists=6/" >"$work/deal"
+sh -e "$work/deal"
+[ "$(cat "$work/lists/"[0-5] | wc -l)" = 60 ]
 
 # The recipe for this host: other paths and numbers.
 awk '/^## / { isParallel = /parallel/ } isParallel && sub(/^    /, "")' "$recipe" |
     sed -e "s|/data/setting.ini|$sample/setting.ini|; s|/data/|$work/|g; s|'sendrivo-batch|'$batch --jobs 1|" \
-        -e 's/--sshlogin host1,host2 --jobs 1 -N 50/--will-cite --jobs 2 -N 10/' >"$work/recipe"
-grep -q -- '--will-cite --jobs 2 -N 10' "$work/recipe"
+        -e 's/--sshlogin host1,host2 --jobs 1/--will-cite --jobs 2/' >"$work/recipe"
+grep -q -- '--will-cite --jobs 2' "$work/recipe"
 run() {
     sh "$work/recipe"
 }
-# Kill the calls without warning while they work.
+# Kill calls without warning as soon as there is something in the ledger.
 run & running=$!
 killed=0
-for _ in 1 2 3; do
-    sleep 0.2
+for _ in $(seq 300); do
+    [ "$killed" -ge 3 ] && break
+    sleep 0.05
+    grep -qs . "$work"/reports/*.jsonl || continue
     for call in $(pgrep -x -f ".*$work/out.*" || true); do
         case $(readlink "/proc/$call/exe") in
         "$batch") kill -KILL "$call" 2>/dev/null && killed=$((killed + 1)) ;;
@@ -36,7 +42,9 @@ for _ in 1 2 3; do
     done
 done
 wait "$running" || true
+[ "$killed" -ge 3 ]
 run
+cat "$work"/lists/* >"$work/list"
 "$batch" --settings "$sample/setting.ini" --rule 'Invoice number' --output "$work/expected" \
     --files-from "$work/list" --quiet
 diff -r "$work/expected" "$work/out"

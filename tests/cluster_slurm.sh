@@ -71,16 +71,20 @@ CONF
 makeJob() {
     awk '/^## / { isSlurm = /Slurm/ } isSlurm && sub(/^    /, "")' "$recipe" |
         sed -e "s|/data/setting.ini|$sample/setting.ini|; s|/data/|$work/|g" \
-            -e 's/--array=1-20 --cpus-per-task=8 --mem=4G/--array=1-4 --cpus-per-task=1/' \
+            -e 's/--array=0-19 --cpus-per-task=8 --mem=4G/--array=0-3 --cpus-per-task=1/' \
             -e "s|--requeue|& --output=$work/log|" >"$work/sendrivo.sbatch"
-    grep -q -- '--array=1-4 .*--output' "$work/sendrivo.sbatch"
+    grep -q -- '--array=0-3 .*--output' "$work/sendrivo.sbatch"
     PATH=$(dirname "$batch"):$PATH sbatch --parsable "$work/sendrivo.sbatch"
 }
 
 startCluster
-mkdir "$work/in" "$work/out" "$work/reports" "$work/expected"
-for i in $(seq 400); do cp "$sample/invoices.pdf" "$work/in/file$i.pdf"; done
-find "$work/in" -name '*.pdf' | sort >"$work/list"
+mkdir "$work/in" "$work/out" "$work/expected"
+# Three of a base name share a folder.
+for i in $(seq 400); do cp "$sample/invoices.pdf" "$work/in/file$((i / 3)).$i.pdf"; done
+sed -n "/^    mkdir/,/^\$/s/^    //p" "$recipe" |
+    sed -e "s|/data/|$work/|g; s/lists=20/lists=4/" >"$work/deal"
+sh -e "$work/deal"
+cat "$work"/lists/[0-3] >"$work/list"
 job=$(makeJob)
 
 # Kill programs of two tasks without warning as soon as there is something in the ledger, and take
