@@ -47,7 +47,7 @@ private:
     {
         if (!pattern)
             return outputPath(plan.outputFolder, document, plan.methodIndex);
-        return plan.outputFolder + QLatin1Char('/') + baseName + QLatin1Char('/') +
+        return documentsFolder(plan.outputFolder, baseName) + QLatin1Char('/') +
                pattern->fileName(document);
     }
 

@@ -6,6 +6,7 @@
 #include "batch/stagingfolder.h"
 #include "batch/stopsignals.h"
 #include "pdf/isolation/supervision.h"
+#include "split/outputname.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -24,7 +25,7 @@
 
 FileProcess::FileProcess(const SplitPlan &plan, const FileJob &job, FileProgress &progress)
     : inputFile(job.input),
-      documentFolder(plan.outputFolder + QLatin1Char('/') + QFileInfo(job.input).baseName()),
+      documentFolder(documentsFolder(plan.outputFolder, QFileInfo(job.input).baseName())),
       hadFolder(QFileInfo::exists(documentFolder)), shared(progress)
 {
     shared.pageCount = 0;

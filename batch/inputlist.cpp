@@ -4,6 +4,7 @@
 #include "batch/inputlist.h"
 
 #include "pdf/error.h"
+#include "split/outputname.h"
 
 #include <QDir>
 #include <QFile>
@@ -105,7 +106,7 @@ void checkFolders(const QString &outputFolder, const std::vector<InputGroup> &gr
         refuse(outputFolder, "cannot be written to");
     for (const InputGroup &group : groups) {
         const QString folder =
-            outputFolder + QLatin1Char('/') + QFileInfo(group.inputs.first()).baseName();
+            documentsFolder(outputFolder, QFileInfo(group.inputs.first()).baseName());
         const QFileInfo existing(folder);
         if (existing.exists() && !existing.isDir())
             refuse(folder, "is a file where a folder is needed");

@@ -11,6 +11,7 @@
 #include "options/outputoptions.h"
 #include "pdf/error.h"
 #include "rules/rulestore.h"
+#include "split/outputname.h"
 
 #include <QDateTime>
 #include <QFileInfo>
@@ -121,9 +122,9 @@ QString summary(const FileResult &result, const SplitPlan &plan)
     const auto count = [](qsizetype number, const char *what) {
         return QStringLiteral("%1 %2%3").arg(number).arg(what, number == 1 ? "" : "s");
     };
-    return QStringLiteral("%1: %2 from %3 in %4/%5")
+    return QStringLiteral("%1: %2 from %3 in %4")
         .arg(result.input, count(result.documents.size(), "document"), count(result.pages, "page"),
-             plan.outputFolder, QFileInfo(result.input).baseName());
+             documentsFolder(plan.outputFolder, QFileInfo(result.input).baseName()));
 }
 
 /// Prints and reports what became of the inputs.

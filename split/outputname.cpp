@@ -60,9 +60,14 @@ QString outputFileName(const OutputDocument &document, int methodIndex)
     return before + fileNameText(document.text, room) + after;
 }
 
+QString documentsFolder(const QString &outputFolder, const QString &baseName)
+{
+    return outputFolder + QLatin1Char('/') + baseName;
+}
+
 QString outputPath(const QString &outputFolder, const OutputDocument &document, int methodIndex)
 {
-    return outputFolder + QLatin1Char('/') + document.baseName + QLatin1Char('/') +
+    return documentsFolder(outputFolder, document.baseName) + QLatin1Char('/') +
            outputFileName(document, methodIndex);
 }
 

@@ -26,6 +26,9 @@ constexpr int maxFileNameBytes = 255;
 /// never cut: number and range keep the names of one file's documents apart.
 [[nodiscard]] QString outputFileName(const OutputDocument &document, int methodIndex);
 
+/// Where the documents of an input with this base name are.
+[[nodiscard]] QString documentsFolder(const QString &outputFolder, const QString &baseName);
+
 /// The path of an output document: `outputFolder`, the subfolder of the input file, the name.
 [[nodiscard]] QString outputPath(const QString &outputFolder, const OutputDocument &document,
                                  int methodIndex);
