@@ -15,13 +15,15 @@ namespace {
 /// The fragment's text as far as the expression lets it count; empty when it does not.
 QString countingText(const pdf::Fragment &fragment, const QRegularExpression &match)
 {
-    QString text = QString::fromStdString(pdf::markupText(fragment.text));
-    if (match.pattern().isEmpty())
-        return text;
-    const QRegularExpressionMatch found = match.match(text);
-    if (!found.hasMatch())
-        return {};
-    return match.captureCount() > 0 ? found.captured(1) : text;
+    QString text = QString::fromStdString(fragment.text);
+    if (!match.pattern().isEmpty()) {
+        const QRegularExpressionMatch found = match.match(text);
+        if (!found.hasMatch())
+            return {};
+        if (match.captureCount() > 0)
+            text = found.captured(1);
+    }
+    return QString::fromStdString(pdf::markupText(text.toStdString()));
 }
 
 } // namespace

@@ -13,10 +13,11 @@
 /// Which text of a page decides.
 struct TextQuery
 {
-    int left = 0;             ///< of the fragment's top left corner, page pixels
-    int top = 0;              ///< of the same corner
-    int tolerancePx = 0;      ///< how far, in each direction, the corner may be away
-    QRegularExpression match; ///< what a text must match to count; empty: anything counts
+    int left = 0;        ///< of the fragment's top left corner, page pixels
+    int top = 0;         ///< of the same corner
+    int tolerancePx = 0; ///< how far, in each direction, the corner may be away
+    /// What a text, as a person sees it, must match to count; empty: anything counts.
+    QRegularExpression match;
 };
 
 /// The text that decides for a page with these fragments, or noText(). It is written as in a layout

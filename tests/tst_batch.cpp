@@ -141,6 +141,8 @@ private slots:
             {"in/in (2).pdf", "in/in (3).pdf", "in/in (4).pdf", "in/in.pdf"});
         row("matching texts", {"--match", "INV-(\\d+)"},
             {"in/1   in 1-2.pdf", "in/2 2 in 3-5.pdf", "in/3 3 in 6.pdf"});
+        row("matching marks", {"--rule", "customer", "--match", "& (<.>)"},
+            {"in/1 &lt;b&gt; in 1-6.pdf"});
         row("nothing matches", {"--match", "^X"}, {"in/1   in 1-6.pdf"});
     }
     void namesAndTexts()
