@@ -65,6 +65,10 @@ OutputOptions readOutputOptions(const QSettings &settings)
         });
     if (isChanged)
         options.remarks.append(QStringLiteral("image and font options are not applied"));
+    const bool forbidsAny =
+        !options.mayPrint || !options.mayModify || !options.mayCopy || !options.mayAnnotate;
+    if (forbidsAny && options.userPassword.isEmpty() && options.ownerPassword.isEmpty())
+        options.remarks.append(QStringLiteral("permissions are not applied without a password"));
     if (options.isPdfA)
         options.remarks.append(QStringLiteral("PDF/A is not made"));
     return options;

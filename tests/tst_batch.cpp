@@ -291,10 +291,12 @@ private slots:
                                               static_cast<qsizetype>(data->getSize())),
                                    pdf.allowPrintHighRes(), pdf.allowExtractAll());
         };
-        writeFile(settings, "[Annot]\nTit=A & B\nPro=P\n[Image]\nColorRes=72\n");
+        writeFile(settings, "[Annot]\nTit=A & B\nPro=P\n[Image]\nColorRes=72\n"
+                            "[Secur]\nAllowPri=No\n");
         const ToolResult plain = batch(arguments);
         QCOMPARE(plain.exitCode, 0);
         QCOMPARE(plain.errors.count("options are not applied"), 1);
+        QCOMPARE(plain.errors.count("permissions are not applied"), 1);
         const auto [title, metadataText, mayPrint, mayCopy] = open("");
         QCOMPARE(title, std::string("A & B"));
         QVERIFY2(metadataText.contains(">A &amp; B<") && !metadataText.contains("Old") &&
