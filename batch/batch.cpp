@@ -4,6 +4,7 @@
 #include "batch/batch.h"
 
 #include "batch/commandline.h"
+#include "batch/inputlist.h"
 #include "batch/output.h"
 #include "batch/rulecommands.h"
 #include "batch/splitcommand.h"
@@ -86,7 +87,10 @@ int runBatch(int argc, char *argv[])
     const QCoreApplication application(argc, argv);
     pdf::limitResources();
     try {
-        return static_cast<int>(run(parseCommandLine(QCoreApplication::arguments().mid(1))));
+        QStringList arguments;
+        for (int i = 1; i < argc; ++i)
+            arguments.append(decodedName(argv[i]));
+        return static_cast<int>(run(parseCommandLine(arguments)));
     } catch (const pdf::Error &error) {
         complain(QString::fromLocal8Bit(error.what()));
         return static_cast<int>(error.exitCode());

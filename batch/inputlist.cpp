@@ -28,11 +28,8 @@ QStringList readList(const QString &source)
     const QByteArray bytes = file.readAll();
     QStringList names;
     for (const QByteArray &name : bytes.split(bytes.contains('\0') ? '\0' : '\n')) {
-        if (name.isEmpty())
-            continue;
-        names.append(QFile::decodeName(name));
-        if (QFile::encodeName(names.last()) != name)
-            throw pdf::Error(pdf::ExitCode::Usage, name.toStdString() + ": is not valid UTF-8");
+        if (!name.isEmpty())
+            names.append(decodedName(name));
     }
     return names;
 }
@@ -62,6 +59,14 @@ bool isWritable(const QString &folder)
 }
 
 } // namespace
+
+QString decodedName(const QByteArray &bytes)
+{
+    QString name = QFile::decodeName(bytes);
+    if (QFile::encodeName(name) != bytes)
+        throw pdf::Error(pdf::ExitCode::Usage, bytes.toStdString() + ": is not valid UTF-8");
+    return name;
+}
 
 QStringList collectInputs(const BatchOptions &options)
 {

@@ -6,14 +6,19 @@
 #include "batch/batchoptions.h"
 #include "batch/scheduler.h"
 
+#include <QByteArray>
 #include <QStringList>
 
 #include <vector>
 
+/// The name as text. Throws pdf::Error(Usage) when it is not valid UTF-8: what would be left of it
+/// could be the name of another file.
+[[nodiscard]] QString decodedName(const QByteArray &bytes);
+
 /// The inputs of a call as absolute paths: those given, and those in the lists, from a file or,
 /// for "-", from standard input. A list that holds a NUL is separated by NULs, else by line feeds;
 /// empty entries do not count. What is listed twice, also by way of linked folders, is taken once.
-/// Throws pdf::Error(Usage) when a list cannot be read, or a name is not valid UTF-8.
+/// Throws pdf::Error(Usage) when a list cannot be read, or a name in it is not UTF-8.
 [[nodiscard]] QStringList collectInputs(const BatchOptions &options);
 
 /// The inputs by base name, groups and inputs in the order given.
