@@ -20,15 +20,15 @@ _sendrivo_batch()
             [[ $rule == "$current"* ]] && COMPREPLY+=("$rule")
         done < <("${COMP_WORDS[0]}" --settings "$settings" --list-rules 2>/dev/null)
         ;;
-    --method) COMPREPLY=($(compgen -W "1 2 3" -- "$current")) ;;
-    --existing) COMPREPLY=($(compgen -W "fail overwrite rename" -- "$current")) ;;
-    --output) COMPREPLY=($(compgen -d -- "$current")) ;;
+    --method) mapfile -t COMPREPLY < <(compgen -W "1 2 3" -- "$current") ;;
+    --existing) mapfile -t COMPREPLY < <(compgen -W "fail overwrite rename" -- "$current") ;;
+    --output) mapfile -t COMPREPLY < <(compgen -d -- "$current") ;;
     --position | --tolerance | --match | --name | --jobs | --fragments | --save-rule) COMPREPLY=() ;;
     *)
         if [[ $current == -* ]]; then
-            COMPREPLY=($(compgen -W "$options" -- "$current"))
+            mapfile -t COMPREPLY < <(compgen -W "$options" -- "$current")
         else
-            COMPREPLY=($(compgen -f -- "$current"))
+            mapfile -t COMPREPLY < <(compgen -f -- "$current")
         fi
         ;;
     esac
