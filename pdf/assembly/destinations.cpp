@@ -15,10 +15,25 @@ QPDFObjectHandle nothing()
     return QPDFObjectHandle::newNull();
 }
 
-/// What can stand for an action left out: the action after it, the first where there are several.
-QPDFObjectHandle withoutBranches(QPDFObjectHandle following)
+std::vector<QPDFObjectHandle> itemsOf(QPDFObjectHandle following)
 {
-    return following.isArray() ? following.getArrayItem(0) : following;
+    if (following.isNull())
+        return {};
+    return following.isArray() ? following.getArrayAsVector()
+                               : std::vector<QPDFObjectHandle>{following};
+}
+
+/// What can stand for an action left out: the first of those after it, with the others after that.
+QPDFObjectHandle inPlace(const QPDFObjectHandle &following)
+{
+    const std::vector<QPDFObjectHandle> items = itemsOf(following);
+    if (items.size() < 2)
+        return items.empty() ? nothing() : items.front();
+    QPDFObjectHandle first = QPDFObjectHandle(items.front()).shallowCopy();
+    std::vector<QPDFObjectHandle> later = itemsOf(first.getKey("/Next"));
+    later.insert(later.end(), items.begin() + 1, items.end());
+    first.replaceKey("/Next", QPDFObjectHandle::newArray(later));
+    return first;
 }
 
 QPDFObjectHandle nameTreeRoot(QPDFObjectHandle catalog)
@@ -37,10 +52,14 @@ DestinationCopier::DestinationCopier(Document &inputDocument, ObjectCopier &obje
 
 QPDFObjectHandle DestinationCopier::named(QPDFObjectHandle name)
 {
-    if (name.isString())
-        return nameTree.find(name.getStringValue());
+    // Readers look a name up in the tree and in the older dictionary, however it is written.
+    const std::string text = name.isString() ? name.getStringValue() : name.getName().substr(1);
     QPDFObjectHandle names = copier.sourceCatalog().getKey("/Dests");
-    return names.isDictionary() ? names.getKey(name.getName()) : nothing();
+    const QPDFObjectHandle older = names.isDictionary() ? names.getKey('/' + text) : nothing();
+    if (name.isName() && !QPDFObjectHandle(older).isNull())
+        return older;
+    const QPDFObjectHandle found = nameTree.find(text);
+    return QPDFObjectHandle(found).isNull() ? older : found;
 }
 
 QPDFObjectHandle DestinationCopier::targetPage(QPDFObjectHandle page)
@@ -110,19 +129,27 @@ QPDFObjectHandle DestinationCopier::usedNameTree() const
 
 bool DestinationCopier::isKept(const QPDFObjectHandle &action)
 {
-    // Branches are followed by their first action, which is enough to know a dead end.
-    QPDFObjectHandle current = action;
-    for (int depth = 0; current.isDictionary() && depth <= maximalActionDepth; ++depth) {
-        QPDFObjectHandle kind = current.getKey("/S");
-        const bool isJump = kind.isNameAndEquals("/GoTo");
-        const bool leadsOutside = isJump && !targetOf(current.getKey("/D")).isIndirect();
-        if (!leadsOutside && !kind.isNameAndEquals("/Thread"))
+    // More than producers chain; what has more is looked at when it is copied.
+    constexpr int maximalActions = 64;
+    std::vector<QPDFObjectHandle> waiting = {action};
+    for (int count = 0; !waiting.empty(); ++count) {
+        QPDFObjectHandle current = waiting.back();
+        waiting.pop_back();
+        if (!current.isDictionary())
+            continue;
+        if (!leadsOutside(current) || count == maximalActions)
             return true;
-        current = current.getKey("/Next");
-        if (current.isArray())
-            return true;
+        const std::vector<QPDFObjectHandle> following = itemsOf(current.getKey("/Next"));
+        waiting.insert(waiting.end(), following.begin(), following.end());
     }
     return false;
+}
+
+bool DestinationCopier::leadsOutside(QPDFObjectHandle action)
+{
+    QPDFObjectHandle kind = action.getKey("/S");
+    return kind.isNameAndEquals("/Thread") ||
+           (kind.isNameAndEquals("/GoTo") && !targetOf(action.getKey("/D")).isIndirect());
 }
 
 QPDFObjectHandle DestinationCopier::copyAction(const QPDFObjectHandle &action)
@@ -130,21 +157,32 @@ QPDFObjectHandle DestinationCopier::copyAction(const QPDFObjectHandle &action)
     return copyActionChain(action, 0);
 }
 
+/// Each action that is an object of its own is copied once, so that a chain in a loop, or one that
+/// branches again and again, costs no more than its file's size.
 QPDFObjectHandle DestinationCopier::copyActionChain(QPDFObjectHandle action, int depth)
 {
     if (!action.isDictionary() || depth > maximalActionDepth)
         return nothing();
+    if (!action.isIndirect() || !action.hasKey("/Next"))
+        return copyWithFollowing(action, depth);
+    const auto [entry, isNew] = chains.try_emplace(action.getObjGen(), nothing());
+    if (isNew) {
+        QPDFObjectHandle copied = copyWithFollowing(action, depth);
+        const bool isDirect = copied.isDictionary() && !copied.isIndirect();
+        entry->second = isDirect ? copier.targetDocument().makeIndirectObject(copied) : copied;
+    }
+    return entry->second;
+}
+
+QPDFObjectHandle DestinationCopier::copyWithFollowing(QPDFObjectHandle action, int depth)
+{
     const QPDFObjectHandle following = copyFollowing(action.getKey("/Next"), depth + 1);
-    QPDFObjectHandle kind = action.getKey("/S");
+    if (leadsOutside(action))
+        return inPlace(following);
     QPDFObjectHandle copied = QPDFObjectHandle::newDictionary();
-    if (kind.isNameAndEquals("/Thread"))
-        return withoutBranches(following);
-    if (kind.isNameAndEquals("/GoTo")) {
-        const QPDFObjectHandle destination = copyDestination(action.getKey("/D"));
-        if (QPDFObjectHandle(destination).isNull())
-            return withoutBranches(following);
+    if (action.getKey("/S").isNameAndEquals("/GoTo")) {
         copied.replaceKey("/S", QPDFObjectHandle::newName("/GoTo"));
-        copied.replaceKey("/D", destination);
+        copied.replaceKey("/D", copyDestination(action.getKey("/D")));
     } else {
         for (const auto &[key, value] : action.getDictAsMap()) {
             if (key != "/Next")
@@ -159,10 +197,9 @@ QPDFObjectHandle DestinationCopier::copyFollowing(QPDFObjectHandle next, int dep
 {
     if (!next.isArray())
         return copyActionChain(next, depth);
-    // Of several, each could branch again; one level of branching is all that producers write.
     QPDFObjectHandle result = QPDFObjectHandle::newArray();
     for (const QPDFObjectHandle &action : next.getArrayAsVector()) {
-        QPDFObjectHandle copied = copyActionChain(action, maximalActionDepth);
+        QPDFObjectHandle copied = copyActionChain(action, depth);
         if (!copied.isNull())
             result.appendItem(copied);
     }

@@ -41,7 +41,9 @@ public:
 private:
     using Used = std::map<std::string, QPDFObjectHandle>;
 
+    bool leadsOutside(QPDFObjectHandle action);
     QPDFObjectHandle copyActionChain(QPDFObjectHandle action, int depth);
+    QPDFObjectHandle copyWithFollowing(QPDFObjectHandle action, int depth);
     QPDFObjectHandle copyFollowing(QPDFObjectHandle next, int depth);
     QPDFObjectHandle explicitArray(QPDFObjectHandle destination);
     QPDFObjectHandle named(QPDFObjectHandle name);
@@ -50,8 +52,9 @@ private:
     Document &document;
     ObjectCopier &copier;
     KeyTree nameTree;
-    Used usedNames;   ///< in the name dictionary
-    Used usedStrings; ///< in the name tree
+    std::map<QPDFObjGen, QPDFObjectHandle> chains; ///< copied actions that others follow
+    Used usedNames;                                ///< in the name dictionary
+    Used usedStrings;                              ///< in the name tree
 };
 
 } // namespace pdf

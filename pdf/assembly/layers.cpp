@@ -3,7 +3,7 @@
 
 #include "pdf/assembly/layers.h"
 
-#include <string>
+#include <set>
 
 namespace pdf {
 
@@ -11,20 +11,47 @@ namespace {
 
 /// Layer trees are a few levels deep; a damaged one can be a loop.
 constexpr int maximalDepth = 32;
+/// More than any document says of its layers; few objects can be made to say it again and again.
+constexpr int maximalItems = 1 << 20;
 
-/// The array without the layers that are not copied, and without groups in which none is left.
-QPDFObjectHandle filtered(ObjectCopier &copier, QPDFObjectHandle array, int depth)
+class LayerCopier
+{
+public:
+    explicit LayerCopier(ObjectCopier &objectCopier) : copier(objectCopier) {}
+
+    /// The array without the layers that are not copied, and without groups in which none is left.
+    QPDFObjectHandle filtered(const QPDFObjectHandle &array)
+    {
+        visited.clear();
+        return filtered(array, 0);
+    }
+    QPDFObjectHandle configuration(QPDFObjectHandle original);
+    QPDFObjectHandle alternatives(QPDFObjectHandle array);
+
+private:
+    QPDFObjectHandle filtered(QPDFObjectHandle array, int depth);
+    QPDFObjectHandle usageApplications(QPDFObjectHandle array);
+
+    ObjectCopier &copier;
+    std::set<QPDFObjGen> visited; ///< of the arrays in the one that is filtered
+    int items = 0;                ///< looked at so far
+};
+
+QPDFObjectHandle LayerCopier::filtered(QPDFObjectHandle array, int depth)
 {
     QPDFObjectHandle result = QPDFObjectHandle::newArray();
     bool hasLayer = false;
-    if (!array.isArray() || depth > maximalDepth)
+    if (!array.isArray() || depth > maximalDepth ||
+        (array.isIndirect() && !visited.insert(array.getObjGen()).second))
         return QPDFObjectHandle::newNull();
     for (QPDFObjectHandle &item : array.getArrayAsVector()) {
+        if (++items > maximalItems)
+            break;
         QPDFObjectHandle kept = QPDFObjectHandle::newNull();
         if (item.isDictionary())
             kept = copier.mapped(item.getObjGen());
         else if (item.isArray())
-            kept = filtered(copier, item, depth + 1);
+            kept = filtered(item, depth + 1);
         else if (item.isString())
             result.appendItem(QPDFObjectHandle::newString(item.getStringValue()));
         if (kept.isDictionary() || kept.isArray()) {
@@ -35,7 +62,7 @@ QPDFObjectHandle filtered(ObjectCopier &copier, QPDFObjectHandle array, int dept
     return hasLayer ? result : QPDFObjectHandle::newNull();
 }
 
-QPDFObjectHandle usageApplications(ObjectCopier &copier, QPDFObjectHandle array)
+QPDFObjectHandle LayerCopier::usageApplications(QPDFObjectHandle array)
 {
     QPDFObjectHandle result = QPDFObjectHandle::newArray();
     if (!array.isArray())
@@ -43,7 +70,7 @@ QPDFObjectHandle usageApplications(ObjectCopier &copier, QPDFObjectHandle array)
     for (QPDFObjectHandle &usage : array.getArrayAsVector()) {
         if (!usage.isDictionary())
             continue;
-        QPDFObjectHandle layers = filtered(copier, usage.getKey("/OCGs"), 0);
+        QPDFObjectHandle layers = filtered(usage.getKey("/OCGs"));
         if (layers.isNull())
             continue;
         QPDFObjectHandle copied = QPDFObjectHandle::newDictionary();
@@ -55,7 +82,7 @@ QPDFObjectHandle usageApplications(ObjectCopier &copier, QPDFObjectHandle array)
     return result.getArrayNItems() > 0 ? result : QPDFObjectHandle::newNull();
 }
 
-QPDFObjectHandle configuration(ObjectCopier &copier, QPDFObjectHandle original)
+QPDFObjectHandle LayerCopier::configuration(QPDFObjectHandle original)
 {
     QPDFObjectHandle copied = QPDFObjectHandle::newDictionary();
     if (!original.isDictionary())
@@ -63,8 +90,8 @@ QPDFObjectHandle configuration(ObjectCopier &copier, QPDFObjectHandle original)
     for (const char *key : {"/Name", "/Creator", "/BaseState", "/Intent", "/ListMode"})
         copied.replaceKey(key, copier.copy(original.getKey(key)));
     for (const char *key : {"/ON", "/OFF", "/Order", "/RBGroups", "/Locked"})
-        copied.replaceKey(key, filtered(copier, original.getKey(key), 0));
-    copied.replaceKey("/AS", usageApplications(copier, original.getKey("/AS")));
+        copied.replaceKey(key, filtered(original.getKey(key)));
+    copied.replaceKey("/AS", usageApplications(original.getKey("/AS")));
     return copied;
 }
 
@@ -78,13 +105,13 @@ bool saysAnything(QPDFObjectHandle copiedConfiguration)
 }
 
 /// The other states that a reader can choose; those that say nothing of copied layers are left out.
-QPDFObjectHandle alternatives(ObjectCopier &copier, QPDFObjectHandle array)
+QPDFObjectHandle LayerCopier::alternatives(QPDFObjectHandle array)
 {
     QPDFObjectHandle result = QPDFObjectHandle::newArray();
     if (!array.isArray())
         return QPDFObjectHandle::newNull();
     for (const QPDFObjectHandle &original : array.getArrayAsVector()) {
-        const QPDFObjectHandle copied = configuration(copier, original);
+        const QPDFObjectHandle copied = configuration(original);
         if (saysAnything(copied))
             result.appendItem(copied);
     }
@@ -95,17 +122,17 @@ QPDFObjectHandle alternatives(ObjectCopier &copier, QPDFObjectHandle array)
 
 QPDFObjectHandle copyLayerProperties(ObjectCopier &copier)
 {
-    QPDFObjectHandle catalog = copier.sourceDocument().getTrailer().getKey("/Root");
-    QPDFObjectHandle original = catalog.getKey("/OCProperties");
+    QPDFObjectHandle original = copier.sourceCatalog().getKey("/OCProperties");
     if (!original.isDictionary())
         return QPDFObjectHandle::newNull();
-    QPDFObjectHandle layers = filtered(copier, original.getKey("/OCGs"), 0);
+    LayerCopier layerCopier(copier);
+    QPDFObjectHandle layers = layerCopier.filtered(original.getKey("/OCGs"));
     if (layers.isNull())
         return layers;
     QPDFObjectHandle copied = QPDFObjectHandle::newDictionary();
     copied.replaceKey("/OCGs", layers);
-    copied.replaceKey("/D", configuration(copier, original.getKey("/D")));
-    copied.replaceKey("/Configs", alternatives(copier, original.getKey("/Configs")));
+    copied.replaceKey("/D", layerCopier.configuration(original.getKey("/D")));
+    copied.replaceKey("/Configs", layerCopier.alternatives(original.getKey("/Configs")));
     return copied;
 }
 
