@@ -10,6 +10,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -34,6 +35,8 @@ public:
         if (!isRight || word() != "obj")
             throw NotPlain();
         const QPDFObjectHandle result = value(0);
+        if (result.isIndirect())
+            throw NotPlain();
         return word() == "endobj" ? std::optional(result) : std::nullopt;
     }
 
@@ -65,7 +68,8 @@ private:
     static bool toInteger(std::string_view digits, long long &number)
     {
         const char *const end = digits.data() + digits.size();
-        return !digits.empty() && std::from_chars(digits.data(), end, number).ptr == end;
+        const auto [behind, error] = std::from_chars(digits.data(), end, number);
+        return !digits.empty() && behind == end && error == std::errc();
     }
 
     long long integer()
@@ -173,6 +177,9 @@ private:
         if (text == "null")
             return QPDFObjectHandle::newNull();
         const std::string_view digits = text.substr(!text.empty() && text.front() == '-' ? 1 : 0);
+        // Out of bounds for an integer; qpdf would give up the object for it, and readers do not.
+        if (!digits.empty() && digits.find_first_not_of("0123456789") == std::string_view::npos)
+            return QPDFObjectHandle::newReal(std::string(text) + ".0");
         const std::size_t point = digits.find('.');
         if (point == 0 || point + 1 >= digits.size() ||
             digits.find_first_not_of("0123456789") != point ||

@@ -60,8 +60,8 @@ void Document::read(std::string_view bytes)
 {
     pdf = QPDF::create();
     pdf->setSuppressWarnings(true);
-    pdf->processInputSource(
-        std::make_shared<TwoPartInput>(input.path(), bytes, referenceStreamFor(bytes)), "");
+    pdf->processInputSource(std::make_shared<TwoPartInput>(input.path(), bytes, appendixFor(bytes)),
+                            "");
     if (!salvaged.empty())
         findLostObjects(*pdf);
     bytesOfObjects =

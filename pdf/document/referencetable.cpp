@@ -143,20 +143,22 @@ std::string trailerEntries(std::string_view text, std::size_t size)
 
 } // namespace
 
-std::string referenceStreamFor(std::string_view file)
+std::string appendixFor(std::string_view file)
 {
+    std::string result = streamEnd;
     std::string_view text = lastTable(file);
     Conversion table;
     if (text.empty() || !table.takeSections(text))
-        return {};
+        return result;
     const std::string trailer = trailerEntries(text, table.size);
     if (trailer.empty())
-        return {};
+        return result;
+    const std::size_t offset = file.size() + result.size();
     // A number that no object has.
-    std::string result = '\n' + std::to_string(table.size) + " 0 obj\n<< /Type /XRef /W [1 5 2]\n";
+    result += std::to_string(table.size) + " 0 obj\n<< /Type /XRef /W [1 5 2]\n";
     result += trailer + "/Index [" + table.index + "] /Length " +
               std::to_string(table.data.size()) + " >>\nstream\n" + table.data +
-              "\nendstream\nendobj\nstartxref\n" + std::to_string(file.size() + 1) + "\n%%EOF\n";
+              "\nendstream\nendobj\nstartxref\n" + std::to_string(offset) + "\n%%EOF\n";
     return result;
 }
 

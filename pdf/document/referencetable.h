@@ -8,12 +8,18 @@
 
 namespace pdf {
 
-/// What could be appended to the file to give it a cross-reference stream (ISO 32000-1, 7.5.8) that
-/// says the same as its last cross-reference table, with a pointer to it. Empty when the file does
-/// not end with a table, or with one that is not exactly as it should be.
+/// To stand behind the bytes of a file: a stream that is cut off there ends there, where qpdf would
+/// take it for empty, or for continued in what follows; and an object that ends with the file,
+/// which qpdf would not read, does not.
+inline constexpr const char *streamEnd = "\nendstream\nendobj\n";
+
+/// What is to be appended to the file for qpdf: streamEnd, and a cross-reference stream (ISO
+/// 32000-1, 7.5.8) that says the same as the file's last cross-reference table, with a pointer to
+/// it. Without that stream when the file does not end with a table, or with one that is not exactly
+/// as it should be.
 ///
 /// qpdf reads such a stream five times as fast as the table, which otherwise is most of what taking
 /// a few pages out of a large file costs.
-[[nodiscard]] std::string referenceStreamFor(std::string_view file);
+[[nodiscard]] std::string appendixFor(std::string_view file);
 
 } // namespace pdf

@@ -3,6 +3,8 @@
 
 #include "pdf/document/salvage.h"
 
+#include "pdf/document/referencetable.h"
+
 #include <cctype>
 #include <cstdio>
 #include <map>
@@ -112,8 +114,9 @@ std::string salvagedFile(std::string_view bytes)
         return {};
     const int root = offsets.rbegin()->first.getObj() + 1;
     std::string file(bytes);
-    const std::size_t rootOffset = file.size() + 1;
-    file += "\n" + std::to_string(root) + " 0 obj << /Type /Catalog >> endobj\n";
+    file += streamEnd;
+    const std::size_t rootOffset = file.size();
+    file += std::to_string(root) + " 0 obj << /Type /Catalog >> endobj\n";
     const std::size_t table = file.size();
     file += "xref\n0 1\n0000000000 65535 f \n";
     const auto add = [&file](QPDFObjGen object, std::size_t offset) {
@@ -138,7 +141,6 @@ void findLostObjects(QPDF &salvaged)
                 addObjectsOf(salvaged, object);
         } catch (const QPDFExc &) {
             // What cannot be unpacked stays lost.
-            continue;
         }
     }
     for (QPDFObjectHandle &object : salvaged.getAllObjects()) {
