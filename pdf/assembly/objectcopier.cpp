@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <stdexcept>
 #include <string_view>
 
 namespace pdf {
@@ -32,7 +33,9 @@ bool isStructural(QPDFObjectHandle dictionary)
     const bool isField = has("/FT") || (has("/T") && (has("/Kids") || has("/Parent")));
     const bool isTreeNode = has("/Kids") && has("/Count");
     const bool isOutlineItem = has("/Title") && has("/Parent");
-    return isAnnotation || isField || isTreeNode || isOutlineItem;
+    const bool isElement =
+        dictionary.getKey("/S").isName() && has("/P") && (has("/K") || has("/Pg"));
+    return isAnnotation || isField || isTreeNode || isOutlineItem || isElement;
 }
 
 /// Keys that are not taken along from dictionaries of any kind: numbers of the structure tree,
@@ -185,7 +188,10 @@ void ObjectCopier::fillStream(QPDFObjectHandle original, QPDFObjectHandle copied
         copiedDictionary.replaceKey(key, structureKey(dictionary.getKey(key)));
     copied.replaceDict(copiedDictionary);
     const auto provide = [original](Pipeline *out, bool suppressWarnings, bool) mutable {
-        return original.pipeStreamData(out, nullptr, 0, qpdf_dl_none, suppressWarnings, false);
+        // The writer would take what is missing for the stream's end.
+        if (!original.pipeStreamData(out, nullptr, 0, qpdf_dl_none, suppressWarnings, false))
+            throw std::runtime_error("a stream cannot be read to its end");
+        return true;
     };
     // Left uninitialised, the handles keep /Filter and /DecodeParms: the bytes stay as they are.
     copied.replaceStreamData(provide, QPDFObjectHandle(), QPDFObjectHandle());

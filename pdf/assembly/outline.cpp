@@ -143,12 +143,13 @@ QPDFObjectHandle OutlineCopier::copyEntry(const Entry &entry)
         return copied;
     }
     QPDFObjectHandle original = document.qpdf().getObject(entry.number);
-    for (const char *key : {"/Title", "/C", "/F", "/SE"})
+    for (const char *key : {"/Title", "/C", "/F"})
         copied.replaceKey(key, copier.copy(original.getKey(key)));
     copied.replaceKey("/Parent", entries[entry.parent].copied);
     if (entry.leadsToKept) {
         copied.replaceKey("/Dest", destinations.copyDestination(original.getKey("/Dest")));
         copied.replaceKey("/A", destinations.copyAction(original.getKey("/A")));
+        copied.replaceKey("/SE", copier.mapped(original.getKey("/SE").getObjGen()));
     }
     return copied;
 }

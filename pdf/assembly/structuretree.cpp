@@ -127,16 +127,30 @@ void StructureCopier::fillElement(QPDFObjectHandle original, QPDFObjectHandle co
     const auto parent = kept.find(original.getKey("/P").getObjGen());
     QPDFObjectHandle dictionary = QPDFObjectHandle::newDictionary();
     for (const auto &[key, value] : original.getDictAsMap()) {
-        if (key != "/K" && key != "/P" && key != "/Pg")
+        if (key != "/K" && key != "/P" && key != "/Pg" && key != "/Ref")
             ObjectCopier::setEntry(dictionary, key, copier.copy(value));
     }
     dictionary.replaceKey("/P", parent == kept.end() ? root : parent->second);
     dictionary.replaceKey("/Pg", page);
     dictionary.replaceKey("/K", copyKids(original, page));
+    dictionary.replaceKey("/Ref", keptAmong(original.getKey("/Ref")));
     QPDFObjectHandle identifier = original.getKey("/ID");
     if (identifier.isString())
         identifiers.emplace(identifier.getStringValue(), copied);
     copier.targetDocument().replaceObject(copied.getObjGen(), dictionary);
+}
+
+/// The kept ones among the elements that the array lists.
+QPDFObjectHandle StructureCopier::keptAmong(QPDFObjectHandle array)
+{
+    QPDFObjectHandle result = QPDFObjectHandle::newArray();
+    const int count = array.isArray() ? array.getArrayNItems() : 0;
+    for (int i = 0; i < count; ++i) {
+        const auto found = kept.find(array.getArrayItem(i).getObjGen());
+        if (found != kept.end())
+            result.appendItem(found->second);
+    }
+    return isEmpty(result) ? nothing() : result;
 }
 
 QPDFObjectHandle StructureCopier::copyKids(QPDFObjectHandle element, const QPDFObjectHandle &page)

@@ -39,6 +39,7 @@ private:
     void keepWithAncestors(QPDFObjectHandle element);
     void fillElements();
     void fillElement(QPDFObjectHandle original, QPDFObjectHandle copied);
+    QPDFObjectHandle keptAmong(QPDFObjectHandle array);
     QPDFObjectHandle copyKids(QPDFObjectHandle element, const QPDFObjectHandle &page);
     QPDFObjectHandle copyKid(QPDFObjectHandle kid, const QPDFObjectHandle &page);
     QPDFObjectHandle copyContentReference(QPDFObjectHandle kid, const QPDFObjectHandle &page);
