@@ -16,6 +16,7 @@ class TestHostileInput : public QObject
 private slots:
     void doesEnd_data();
     void doesEnd();
+    void unreadablePageIsAnError();
 };
 
 namespace {
@@ -44,14 +45,23 @@ QByteArrayList chain(const QByteArray &prefix, const QByteArray &suffix, int cou
     return objects;
 }
 
+/// Objects from number 5 on, each of which refers to the next one twice.
+QByteArrayList doubling(const QByteArray &prefix, const QByteArray &suffix)
+{
+    QByteArrayList objects;
+    for (int next = 6; next < 36; ++next)
+        objects.append(prefix + PdfBuilder::refs({next, next}).mid(1).chopped(1) + suffix);
+    return objects;
+}
+
 } // namespace
 
 void TestHostileInput::doesEnd_data()
 {
     QTest::addColumn<QByteArray>("bytes");
     const int depth = 30000;
-    QTest::newRow("deep array") << onePage(
-        "", "/Trans " + QByteArray(depth, '[') + QByteArray(depth, ']'), {});
+    const QByteArray deepArray = QByteArray(depth, '[') + QByteArray(depth, ']');
+    QTest::newRow("deep array") << onePage("", "/Trans 5 0 R", {deepArray});
     QTest::newRow("deep chain of objects") << onePage("", "/Trans 5 0 R", chain("/A ", "", depth));
     QTest::newRow("deep form") << onePage("", "/Annots [5 0 R]",
                                           chain("/Subtype /Widget /T (a) /Parent ", "", depth));
@@ -66,6 +76,19 @@ void TestHostileInput::doesEnd_data()
                    {"<< /K 6 0 R /ParentTree 8 0 R >>", "<< /S /P /P 7 0 R /K [6 0 R 7 0 R 0] >>",
                     "<< /S /P /P 6 0 R /K 6 0 R >>", "<< /Kids [8 0 R 9 0 R] >>",
                     "<< /Nums [0 [6 0 R 1 0 R 2 0 R 3 0 R]] >>"});
+    const QByteArray link = "/Annots [<< /Subtype /Link /A 5 0 R >>]";
+    QTest::newRow("action that follows itself")
+        << onePage("", link, {"<< /S /URI /Next [5 0 R] >>"});
+    QTest::newRow("actions that branch again and again")
+        << onePage("", link, doubling("<< /S /URI /Next [", "] >>"));
+    QTest::newRow("layers listed again and again")
+        << onePage("/OCProperties << /OCGs 5 0 R /D << /Order 5 0 R >> >>", "", doubling("[", "]"));
+    QByteArray states;
+    for (int i = 0; i < 1500; ++i)
+        states += "/S" + QByteArray::number(i) + " 5 0 R ";
+    QTest::newRow("appearances in a loop")
+        << onePage("", "/Annots [<< /Subtype /Stamp /AP 5 0 R >>]", {"<< " + states + ">>"});
+    QTest::newRow("reference to a reference") << onePage("", "/Dur 5 0 R", {"6 0 R", "7"});
     QTest::newRow("names in a loop")
         << onePage("/Names << /Dests 5 0 R >>", "/Annots [<< /Subtype /Link /Dest (a) >>]",
                    {"<< /Kids [5 0 R] >>"});
@@ -84,6 +107,15 @@ void TestHostileInput::doesEnd_data()
         << onePage("", "", {}).replace("%PDF-1.7", "%PDF-" + QByteArray(40, '5') + ".7");
     QByteArray huge = onePage("", "", {});
     QTest::newRow("four billion objects") << huge.replace("/Size 5", "/Size 4294967295");
+}
+
+/// Rather than an empty page in the place of one that says something.
+void TestHostileInput::unreadablePageIsAnError()
+{
+    const QByteArray deepArray = QByteArray(30000, '[') + QByteArray(30000, ']');
+    const MergeRun run(onePage("", "/Trans " + deepArray, {}), "1");
+    QCOMPARE(run.result.exitCode, 3);
+    QVERIFY(run.result.errors.contains("page"));
 }
 
 void TestHostileInput::doesEnd()

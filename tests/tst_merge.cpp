@@ -29,6 +29,10 @@ private slots:
     void encryption_data();
     void encryption();
     void damagedStreamsAreCopiedAsTheyAre();
+    void cutOffContentsStay_data();
+    void cutOffContentsStay();
+    void widgetsShareTheirField_data();
+    void widgetsShareTheirField();
 };
 
 namespace {
@@ -132,7 +136,7 @@ void TestMerge::keepsItsPagesOnly()
         for (const char *marker :
              {"text",  "look",     "note", "popup",     "value",  "attach", "file",  "xmp",
               "(tag",  "(formtag", "(id",  "(entry",    "(label", "/font",  "image", "(layer",
-              "(view", "(part",    "(f",   "associate", "(step",  "(back",  "(ink"})
+              "(view", "(part",    "(f",   "associate", "(step",  "(then",  "(back", "(ink"})
             QCOMPARE(holds(marker + digit, isKept), QByteArray());
         QCOMPARE(holds("link" + digit, hasTarget), QByteArray());
         QCOMPARE(holds("(dest" + QByteArray::number(next), hasTarget), QByteArray());
@@ -182,6 +186,10 @@ void TestMerge::linksLeadToTheSamePages_data()
                                        << "1 -1";
     QTest::newRow("named by a name") << QByteArray("/Dest /old") << "1-2"
                                      << "1 -1";
+    QTest::newRow("named by a string among names") << QByteArray("/Dest (old)") << "1-2"
+                                                   << "1 -1";
+    QTest::newRow("named by a name among strings") << QByteArray("/Dest /new") << "1-2"
+                                                   << "1 -1";
     QTest::newRow("named, target left out") << QByteArray("/Dest (new)") << "1 3"
                                             << "-1 -1";
     QTest::newRow("page index") << QByteArray("/Dest [1 /Fit]") << "1-2"
@@ -211,6 +219,7 @@ void TestMerge::repeatedPagesAreCopies()
              QStringList({"text2", "text1", "text2", "text3", "text2"}));
     QCOMPARE(pdfobjects::count(run.output, "/Type /Page "), 5);
     QCOMPARE(pdfobjects::count(run.output, "/T (f2)"), 1);
+    QCOMPARE(pdfobjects::count(run.output, "(popup2)"), 3);
     QCOMPARE(pdfobjects::complaints(run.output), QString());
 }
 
@@ -250,6 +259,7 @@ void TestMerge::valuesStay_data()
         QTest::newRow(name) << written << read;
     };
     row("numbers", "[0 -7 +8 007 1.50 -.5 4. -0.0]", "[ 0 -7 8 7 1.50 -.5 4. -0.0 ]");
+    row("number out of bounds", "99999999999999999999", "99999999999999999999.0");
     row("words", "[true false null]", "[ true false null ]");
     row("strings", "[(a(b)c) (a\\)b) (a\\\nb) (a\r\nb) ()]",
         "[ (a\\(b\\)c) (a\\)b) (ab) (a\\nb) () ]");
@@ -324,6 +334,78 @@ void TestMerge::damagedStreamsAreCopiedAsTheyAre()
               file.bytes(file.add("<< /Type /Catalog /Pages " + PdfBuilder::ref(root) + " >>")));
     QCOMPARE(mergePages(input, "1", output).exitCode, 0);
     QVERIFY(readFile(output).contains(broken));
+}
+
+void TestMerge::cutOffContentsStay_data()
+{
+    QTest::addColumn<QByteArray>("end");
+    QTest::addColumn<QByteArray>("lost");
+    QTest::newRow("within the stream") << QByteArray() << QByteArray();
+    QTest::newRow("behind the object, table lost")
+        << QByteArray("\nendstream\nendobj") << QByteArray("startxref");
+    QTest::newRow("within the stream, trailer lost") << QByteArray() << QByteArray("trailer");
+}
+
+/// The table of offsets says that the contents stand at the very end of the file.
+void TestMerge::cutOffContentsStay()
+{
+    QFETCH(QByteArray, end);
+    QFETCH(QByteArray, lost);
+    QByteArray bytes = simplePdf({showText(20, 100, "dropped")});
+    const qsizetype stream = bytes.indexOf("stream");
+    const qsizetype object = bytes.lastIndexOf("\n", bytes.lastIndexOf(" 0 obj", stream)) + 1;
+    const QByteArray header = bytes.mid(object, bytes.indexOf("obj", object) + 3 - object);
+    const auto entry = [](qsizetype offset) {
+        return QByteArray::number(offset).rightJustified(10, '0') + ' ';
+    };
+    bytes.replace(entry(object), entry(bytes.size()));
+    bytes += header + " << /Length 999 >>\nstream\n" + showText(20, 100, "kept").trimmed() + end;
+    if (!lost.isEmpty())
+        bytes.replace(lost, "lost");
+    const MergeRun run(bytes, "1");
+    QCOMPARE(run.result.exitCode, 0);
+    QCOMPARE(pdfreader::pageTexts(run.output), QStringList("kept"));
+    QVERIFY(!pdfobjects::decoded(run.output).contains(" obj"));
+}
+
+void TestMerge::widgetsShareTheirField_data()
+{
+    QTest::addColumn<QByteArray>("annotations"); // of the first page; the second has 2 0 R
+    QTest::addColumn<QString>("ranges");
+    QTest::addColumn<QString>("names");
+    const QByteArray both = "1 0 R 2 0 R";
+    QTest::newRow("field that is its first widget") << both << "1"
+                                                    << "name name";
+    QTest::newRow("such a field on a page outside") << both << "2"
+                                                    << "name";
+    QTest::newRow("listed twice") << QByteArray("1 0 R 1 0 R") << "1"
+                                  << "name name";
+    QTest::newRow("page repeated") << both << "1 1"
+                                   << "name name name name";
+}
+
+/// However the widgets are written, there is one field, and all of them are below it.
+void TestMerge::widgetsShareTheirField()
+{
+    QFETCH(QByteArray, annotations);
+    QFETCH(QString, ranges);
+    QFETCH(QString, names);
+    PdfBuilder file;
+    const int field = file.add("<< /Subtype /Widget /FT /Tx /T (name) /V (value) /Kids [2 0 R] "
+                               "/Rect [9 9 90 20] >>");
+    file.add("<< /Subtype /Widget /Rect [0 0 9 9] /Parent 1 0 R >>");
+    file.add("<< /Type /Pages /Kids [4 0 R 5 0 R] /Count 2 /MediaBox [0 0 99 99] >>");
+    file.add("<< /Type /Page /Parent 3 0 R /Annots [" + annotations + "] >>");
+    file.add("<< /Type /Page /Parent 3 0 R /Annots [2 0 R] >>");
+    const MergeRun run(file.bytes(file.add("<< /Type /Catalog /Pages 3 0 R /AcroForm << /Fields [" +
+                                           PdfBuilder::ref(field) + "] >> >>")),
+                       ranges);
+    QCOMPARE(run.result.exitCode, 0);
+    QCOMPARE(pdfobjects::fieldNames(run.output), names);
+    QCOMPARE(pdfobjects::count(run.output, "/T (name)"), 1);
+    // The field has no place on a page.
+    QCOMPARE(pdfobjects::count(run.output, "/T (name) /Rect"), 0);
+    QCOMPARE(pdfobjects::listLength(run.output, "/Fields"), 1);
 }
 
 SENDRIVO_TEST_MAIN(TestMerge, QCoreApplication)

@@ -25,7 +25,8 @@ private slots:
 
 namespace {
 
-/// A page with a signed signature field, and a radio button whose field says which one is on.
+/// A page with signed signature fields, one of which shows nothing, a radio button whose field says
+/// which one is on, and a text that the reader draws.
 QByteArray withFields()
 {
     PdfBuilder file;
@@ -45,14 +46,35 @@ QByteArray withFields()
                  look("0 0 1") + " >> >> >>");
     file.define(group, "<< /FT /Btn /Ff 49152 /T (choice) /V /On /Kids [" +
                            PdfBuilder::ref(button) + "] >>");
+    const int invisible = file.add("<< /Subtype /Widget /FT /Sig /T (hidden) /F 4 /Rect [20 80 60 "
+                                   "120] /V " +
+                                   PdfBuilder::ref(value) + " >>");
+    const int text = file.add("<< /Subtype /Widget /FT /Tx /T (text) /V (typed) /F 4 /Rect [80 80 "
+                              "120 120] /DA (/Helv 9 Tf) >>");
     const int root = file.reserve();
     const int page = file.add("<< /Type /Page /Parent " + PdfBuilder::ref(root) +
                               " /MediaBox [0 0 300 200] /Annots " +
-                              PdfBuilder::refs({signature, button}) + " >>");
+                              PdfBuilder::refs({signature, button, invisible, text}) + " >>");
     file.define(root, "<< /Type /Pages /Kids [" + PdfBuilder::ref(page) + "] /Count 1 >>");
     return file.bytes(file.add("<< /Type /Catalog /Pages " + PdfBuilder::ref(root) +
                                " /AcroForm << /SigFlags 3 /Fields " +
-                               PdfBuilder::refs({signature, group}) + " >> >>"));
+                               PdfBuilder::refs({signature, group, invisible, text}) + " >> >>"));
+}
+
+/// A damaged file, in which one page inherits resources in two ways.
+QByteArray belowTwoNodes()
+{
+    PdfBuilder file;
+    const QByteArray font = PdfBuilder::ref(file.addHelvetica());
+    file.addStream(showText(40, 100, "inherits"));
+    const QByteArray node = "<< /Type /Pages /Parent 6 0 R /Kids [5 0 R] /Count 1 /Resources << "
+                            "/Font << /F1 " +
+                            font + " >> >> >>";
+    file.add(node);
+    file.add(node);
+    file.add("<< /Type /Page /Parent 3 0 R /Contents 2 0 R /MediaBox [0 0 300 200] >>");
+    file.add("<< /Type /Pages /Kids [3 0 R 4 0 R] /Count 2 >>");
+    return file.bytes(file.add("<< /Type /Catalog /Pages 6 0 R >>"));
 }
 
 /// Page trees that hand attributes down, one page each.
@@ -118,7 +140,8 @@ QByteArray layered()
 
 /// Two pages with one dictionary of resources, whose entries page 1 uses in every way that does not
 /// name them in the page's own contents. Page 2 has an image of its own in it.
-QByteArray sharing(const QByteArray &contents, const QByteArray &contentsEntries = QByteArray())
+QByteArray sharing(const QByteArray &contents, const QByteArray &contentsEntries = QByteArray(),
+                   bool isDirect = false)
 {
     PdfBuilder file;
     const auto ref = [](int number) { return PdfBuilder::ref(number); };
@@ -153,27 +176,29 @@ QByteArray sharing(const QByteArray &contents, const QByteArray &contentsEntries
                                                                    ref(inner) + " >> >>");
     const int other = file.addStream("leaked", "/Subtype /Image /Width 2 /Height 1 "
                                                "/BitsPerComponent 8 /ColorSpace /DeviceRGB");
-    file.define(resources,
-                "<< /Font << /F1 " + ref(file.addHelvetica()) + " /Look " +
-                    ref(file.addHelvetica()) + " /Typed " + ref(file.addHelvetica()) + " /T3 " +
-                    ref(type3) + " >> /XObject << /B#23ad " + ref(bare) + " /Inner " + ref(inner) +
-                    " /Fill " + ref(fill) + " /Glyph " + ref(shape) + " /Mask " + ref(maskShape) +
-                    " /Im#41 " + ref(image) + " /Lacking " + ref(lacking) + " /Around " +
-                    ref(inner) + " /Other " + ref(other) + " >> /Pattern << /Pat " + ref(pattern) +
-                    " /Sh << /PatternType 2 /Shading << /ShadingType 2 /ColorSpace /Tint "
-                    "/Coords [0 0 1 1] /Function << /FunctionType 2 /Domain [0 1] /C0 [0 0 0] "
-                    "/C1 [1 1 1] /N 1 >> >> >> >> /ExtGState << /GS " +
-                    ref(state) +
-                    " >> /ColorSpace << /Tint [/CalRGB << /WhitePoint [1 1 1] >>] "
-                    "/Ink [/Separation /A /DeviceGray << /FunctionType 2 /Domain [0 1] /N 1 >>] "
-                    "/Own [/Indexed /DeviceRGB 1 <FF00FF00FFFF>] "
-                    "/DefaultGray [/CalGray << /WhitePoint [0.9 1 1] /Gamma 5 >>] >> >>");
+    const QByteArray dictionary =
+        "<< /Font << /F1 " + ref(file.addHelvetica()) + " /Look " + ref(file.addHelvetica()) +
+        " /Typed " + ref(file.addHelvetica()) + " /T3 " + ref(type3) + " >> /XObject << /B#23ad " +
+        ref(bare) + " /Inner " + ref(inner) + " /Fill " + ref(fill) + " /Glyph " + ref(shape) +
+        " /Mask " + ref(maskShape) + " /Im#41 " + ref(image) + " /Lacking " + ref(lacking) +
+        " /Around " + ref(inner) + " /Other " + ref(other) + " >> /Pattern << /Pat " +
+        ref(pattern) +
+        " /Sh << /PatternType 2 /Shading << /ShadingType 2 /ColorSpace /Tint "
+        "/Coords [0 0 1 1] /Function << /FunctionType 2 /Domain [0 1] /C0 [0 0 0] "
+        "/C1 [1 1 1] /N 1 >> >> >> >> /ExtGState << /GS " +
+        ref(state) +
+        " >> /ColorSpace << /Tint [/CalRGB << /WhitePoint [1 1 1] >>] "
+        "/Ink [/Separation /A /DeviceGray << /FunctionType 2 /Domain [0 1] /N 1 >>] "
+        "/Own [/Indexed /DeviceRGB 1 <FF00FF00FFFF>] "
+        "/DefaultGray [/CalGray << /WhitePoint [0.9 1 1] /Gamma 5 >>] >> >>";
+    file.define(resources, dictionary);
+    const QByteArray listed = isDirect ? dictionary : ref(resources);
     const int widget =
         file.add("<< /Type /Annot /Subtype /Stamp /F 4 /Rect [200 100 290 190] /AP "
                  "<< /N " +
                  ref(look) + " >> /DA (/Typed\\n9 Tf) /DR " + ref(resources) + " >>");
-    const int page = file.add("<< /Type /Page /Parent " + ref(root) + " /Resources " +
-                              ref(resources) + " /Annots [" + ref(widget) + "] /Contents " +
+    const int page = file.add("<< /Type /Page /Parent " + ref(root) + " /Resources " + listed +
+                              " /Annots [" + ref(widget) + "] /Contents " +
                               ref(file.addStream(contents, contentsEntries)) + " >>");
     const int second =
         file.add("<< /Type /Page /Parent " + ref(root) + " /Resources " + ref(resources) +
@@ -193,26 +218,35 @@ const QByteArray usingEverything =
 void TestMergeLooks::pagesLookTheSame_data()
 {
     QTest::addColumn<QByteArray>("bytes");
-    QTest::newRow("media box and resources from the root") << inheriting("", "");
-    QTest::newRow("rotation from a node") << inheriting("/Rotate 90", "");
-    QTest::newRow("rotation overridden") << inheriting("/Rotate 90", "/Rotate 180");
-    QTest::newRow("crop box from a node") << inheriting("/CropBox [10 10 150 150]", "");
-    QTest::newRow("media box from a node") << inheriting("/MediaBox [0 0 120 120]", "");
-    QTest::newRow("user unit") << inheriting("", "/UserUnit 1.5");
-    QTest::newRow("all attributes by reference") << allByReference();
-    QTest::newRow("signature and form field") << withFields();
-    QTest::newRow("hidden layer stays hidden") << layered();
-    QTest::newRow("shared resources used in every way") << sharing(usingEverything);
+    QTest::addColumn<QStringList>("pages");
+    const auto row = [](const char *name, const QByteArray &bytes,
+                        const QStringList &pages = {"1"}) {
+        QTest::newRow(name) << bytes << pages;
+    };
+    row("media box and resources from the root", inheriting("", ""));
+    row("rotation from a node", inheriting("/Rotate 90", ""));
+    row("rotation overridden", inheriting("/Rotate 90", "/Rotate 180"));
+    row("crop box from a node", inheriting("/CropBox [10 10 150 150]", ""));
+    row("media box from a node", inheriting("/MediaBox [0 0 120 120]", ""));
+    row("user unit", inheriting("", "/UserUnit 1.5"));
+    row("all attributes by reference", allByReference());
+    row("signature and form field", withFields(), {"1", "1"});
+    row("hidden layer stays hidden", layered());
+    row("shared resources used in every way", sharing(usingEverything));
+    row("page below two nodes", belowTwoNodes(), {"1", "2"});
 }
 
 void TestMergeLooks::pagesLookTheSame()
 {
     QFETCH(QByteArray, bytes);
-    const MergeRun run(bytes, "1");
+    QFETCH(QStringList, pages);
+    const MergeRun run(bytes, pages.join(QLatin1Char(' ')));
     QCOMPARE(run.result.exitCode, 0);
-    const QImage expected = pdfreader::renderPage(run.input, 0);
-    QVERIFY(!expected.isNull());
-    QCOMPARE(pdfreader::renderPage(run.output, 0), expected);
+    for (int i = 0; i < pages.size(); ++i) {
+        const QImage expected = pdfreader::renderPage(run.input, pages[i].toInt() - 1);
+        QVERIFY(!expected.isNull());
+        QCOMPARE(pdfreader::renderPage(run.output, i), expected);
+    }
     QCOMPARE(pdfobjects::complaints(run.output), QString());
 }
 
@@ -230,6 +264,7 @@ void TestMergeLooks::sharedResourcesAreKeptInDoubt_data()
     QTest::addColumn<QByteArray>("entries");
     QTest::addColumn<bool>("isWhole");
     QTest::newRow("readable contents") << QByteArray() << false;
+    QTest::newRow("dictionary in the page itself") << QByteArray(" ") << false;
     QTest::newRow("unknown filter") << QByteArray("/Filter /Unknown") << true;
     QTest::newRow("damaged data") << QByteArray("/Filter /FlateDecode") << true;
 }
@@ -238,7 +273,7 @@ void TestMergeLooks::sharedResourcesAreKeptInDoubt()
 {
     QFETCH(QByteArray, entries);
     QFETCH(bool, isWhole);
-    const MergeRun run(sharing(usingEverything, entries), "1");
+    const MergeRun run(sharing(usingEverything, entries, entries == " "), "1");
     QCOMPARE(run.result.exitCode, 0);
     QCOMPARE(readFile(run.output).contains("leaked"), isWhole);
     if (isWhole)

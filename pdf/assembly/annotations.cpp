@@ -16,30 +16,41 @@ bool AnnotationCopier::leadsNowhere(QPDFObjectHandle annotation)
            !(hasDestination && destinations.targetOf(annotation.getKey("/Dest")).isIndirect());
 }
 
-void AnnotationCopier::announce(QPDFObjectHandle original, Page &page, bool isListed)
+QPDFObjectHandle AnnotationCopier::announce(QPDFObjectHandle original, Page &page)
 {
     // An annotation listed by two pages stays with the first of them; the other page and a page
     // written a second time get objects of their own.
+    const QPDFObjGen number = original.getObjGen();
+    const bool isFirst = !copier.isMapped(number);
+    const auto known = page.copies.find(number);
+    if (original.isIndirect() && known != page.copies.end())
+        return known->second;
     const QPDFObjectHandle copied = copier.placeholder();
-    const bool isFirst = original.isIndirect() && !copier.isMapped(original.getObjGen());
-    if (isFirst)
-        copier.map(original.getObjGen(), copied);
-    page.annotations.push_back({original, copied, isListed});
-    if (original.getKey("/Subtype").isNameAndEquals("/Widget") && !page.isRepetition)
-        fields.announce(original);
+    if (original.isIndirect()) {
+        page.copies.emplace(number, copied);
+        if (isFirst)
+            copier.map(number, copied);
+    }
+    const bool isWidget = original.getKey("/Subtype").isNameAndEquals("/Widget");
+    const bool isPicture = page.isRepetition && isWidget && fields.canBePicture(original);
+    page.annotations.push_back({original, copied, isPicture});
+    if (isWidget && !isPicture)
+        fields.announce(original, isFirst);
+    return copied;
 }
 
 void AnnotationCopier::announcePage(const QPDFObjectHandle &sourcePage,
                                     const QPDFObjectHandle &targetPage, bool isRepetition)
 {
-    Page page{targetPage, {}, isRepetition};
+    Page page{targetPage, {}, {}, {}, isRepetition};
     QPDFObjectHandle array = QPDFObjectHandle(sourcePage).getKey("/Annots");
     std::vector<QPDFObjectHandle> popups;
     if (array.isArray()) {
         for (QPDFObjectHandle &original : array.getArrayAsVector()) {
-            if (!original.isDictionary() || !original.hasKey("/Subtype") || leadsNowhere(original))
+            if (!original.isDictionary() || !original.hasKey("/Subtype") ||
+                leadsNowhere(original) || !fields.canBeCopied(original))
                 continue;
-            announce(original, page, true);
+            page.listed.push_back(announce(original, page));
             popups.push_back(original.getKey("/Popup"));
         }
     }
@@ -47,8 +58,8 @@ void AnnotationCopier::announcePage(const QPDFObjectHandle &sourcePage,
     for (const QPDFObjectHandle &popup : popups) {
         const bool isAnnotation = popup.isIndirect() && QPDFObjectHandle(popup).isDictionary() &&
                                   QPDFObjectHandle(popup).hasKey("/Subtype");
-        if (isAnnotation && !copier.isMapped(popup.getObjGen()))
-            announce(popup, page, false);
+        if (isAnnotation && (isRepetition || !copier.isMapped(popup.getObjGen())))
+            announce(popup, page);
     }
     pages.push_back(std::move(page));
 }
@@ -56,13 +67,10 @@ void AnnotationCopier::announcePage(const QPDFObjectHandle &sourcePage,
 QPDFObjectHandle AnnotationCopier::copyPage(std::size_t index)
 {
     const Page &page = pages[index];
-    QPDFObjectHandle result = QPDFObjectHandle::newArray();
-    for (const Annotation &annotation : page.annotations) {
+    for (const Annotation &annotation : page.annotations)
         copyAnnotation(annotation, page);
-        if (annotation.isListed)
-            result.appendItem(annotation.copied);
-    }
-    return result.getArrayNItems() > 0 ? result : QPDFObjectHandle::newNull();
+    return page.listed.empty() ? QPDFObjectHandle::newNull()
+                               : QPDFObjectHandle::newArray(page.listed);
 }
 
 void AnnotationCopier::copyAnnotation(const Annotation &annotation, const Page &page)
@@ -70,11 +78,11 @@ void AnnotationCopier::copyAnnotation(const Annotation &annotation, const Page &
     QPDFObjectHandle original = annotation.original;
     QPDFObjectHandle copied = QPDFObjectHandle::newDictionary();
     for (const auto &[key, value] : original.getDictAsMap())
-        copyEntry(copied, key, value);
+        copyEntry(copied, key, value, page);
     if (original.hasKey("/P"))
         copied.replaceKey("/P", page.target);
     if (original.getKey("/Subtype").isNameAndEquals("/Widget")) {
-        if (page.isRepetition)
+        if (annotation.isPicture)
             FormFieldCopier::makePicture(copied);
         else
             fields.attach(original, copied, annotation.copied);
@@ -85,12 +93,15 @@ void AnnotationCopier::copyAnnotation(const Annotation &annotation, const Page &
 }
 
 void AnnotationCopier::copyEntry(QPDFObjectHandle &copied, const std::string &key,
-                                 const QPDFObjectHandle &value)
+                                 const QPDFObjectHandle &value, const Page &page)
 {
     // /Kids occurs where a form field and its only widget share a dictionary, and is void there.
     if (key == "/P" || key == "/StructParent" || key == "/Kids")
         return;
-    if (key == "/Dest") {
+    const auto neighbour = page.copies.find(value.getObjGen());
+    if (value.isIndirect() && neighbour != page.copies.end()) {
+        copied.replaceKey(key, neighbour->second);
+    } else if (key == "/Dest") {
         copied.replaceKey(key, destinations.copyDestination(value));
     } else if (key == "/A") {
         copied.replaceKey(key, destinations.copyAction(value));

@@ -7,6 +7,8 @@
 #include "pdf/assembly/formfields.h"
 #include "pdf/assembly/objectcopier.h"
 
+#include <map>
+#include <string>
 #include <vector>
 
 namespace pdf {
@@ -36,19 +38,22 @@ private:
     {
         QPDFObjectHandle original;
         QPDFObjectHandle copied;
-        bool isListed = true; ///< in the page's /Annots
+        bool isPicture = false; ///< of a form field
     };
     struct Page
     {
         QPDFObjectHandle target;
         std::vector<Annotation> annotations;
+        std::vector<QPDFObjectHandle> listed;          ///< in /Annots
+        std::map<QPDFObjGen, QPDFObjectHandle> copies; ///< by the numbers of the originals
         bool isRepetition = false;
     };
 
     bool leadsNowhere(QPDFObjectHandle annotation);
-    void announce(QPDFObjectHandle original, Page &page, bool isListed);
+    QPDFObjectHandle announce(QPDFObjectHandle original, Page &page);
     void copyAnnotation(const Annotation &annotation, const Page &page);
-    void copyEntry(QPDFObjectHandle &copied, const std::string &key, const QPDFObjectHandle &value);
+    void copyEntry(QPDFObjectHandle &copied, const std::string &key, const QPDFObjectHandle &value,
+                   const Page &page);
 
     ObjectCopier &copier;
     DestinationCopier &destinations;

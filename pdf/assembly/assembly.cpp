@@ -19,7 +19,10 @@
 #include "pdf/assembly/structuretree.h"
 #include "pdf/error.h"
 
+#include <cstdio>
 #include <qpdf/QPDFWriter.hh>
+#include <set>
+#include <utility>
 
 namespace pdf {
 
@@ -121,11 +124,13 @@ private:
                 copier.map(number, page);
             pages.push_back(page);
         }
+        std::set<std::pair<QPDFObjGen, QPDFObjGen>> announced;
         for (std::size_t i = 0; i < pages.size(); ++i) {
             const PageEntry &entry = entryOf(indexes[i]);
             annotations.announcePage(document.qpdf().getObject(entry.page), pages[i],
                                      isRepetition[i]);
-            if (!isRepetition[i])
+            // In a damaged file a page is below two nodes, which hand down different resources.
+            if (announced.emplace(entry.page, entry.parent).second)
                 pageCopier.announce(entry);
         }
         if (fields.hasFields())
@@ -141,7 +146,8 @@ private:
         QPDFObjectHandle catalog = target->getRoot();
         copyDocumentEntries(copier, destinations);
         catalog.replaceKey("/PageLabels", copyPageLabels(copier, indexes));
-        catalog.replaceKey("/AcroForm", fields.formDictionary());
+        catalog.replaceKey("/AcroForm", fields.formDictionary(
+                                            resources.copyFormDefaults(fields.defaultResources())));
         catalog.replaceKey("/StructTreeRoot", StructureCopier(document, copier).copyTree());
         catalog.replaceKey("/Outlines",
                            OutlineCopier(document, copier, destinations).copyOutline());

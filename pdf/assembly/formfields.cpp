@@ -3,7 +3,11 @@
 
 #include "pdf/assembly/formfields.h"
 
+#include <algorithm>
+#include <array>
 #include <set>
+#include <string>
+#include <string_view>
 #include <vector>
 
 namespace pdf {
@@ -12,6 +16,32 @@ namespace {
 
 /// Field hierarchies are a few levels deep; a damaged one can be a loop.
 constexpr int maximalFieldDepth = 64;
+
+/// What says something about a field rather than about one of its widgets (ISO 32000-1, 12.7.3).
+constexpr std::array<std::string_view, 18> fieldKeys = {
+    "/FT", "/T",  "/TU", "/TM", "/Ff", "/V",      "/DV",  "/AA", "/DA",
+    "/Q",  "/DS", "/RV", "/TI", "/I",  "/MaxLen", "/Opt", "/SV", "/Lock"};
+
+bool isFieldKey(const std::string &key)
+{
+    return std::find(fieldKeys.begin(), fieldKeys.end(), key) != fieldKeys.end();
+}
+
+bool isWidget(QPDFObjectHandle object)
+{
+    return object.getKey("/Subtype").isNameAndEquals("/Widget");
+}
+
+/// Whether the widget shows an appearance by itself, in the state that it is in.
+bool hasAppearance(QPDFObjectHandle widget)
+{
+    QPDFObjectHandle appearances = widget.getKey("/AP");
+    QPDFObjectHandle normal =
+        appearances.isDictionary() ? appearances.getKey("/N") : QPDFObjectHandle::newNull();
+    QPDFObjectHandle state = widget.getKey("/AS");
+    return normal.isStream() ||
+           (normal.isDictionary() && state.isName() && normal.getKey(state.getName()).isStream());
+}
 
 bool isField(QPDFObjectHandle dictionary)
 {
@@ -22,8 +52,9 @@ bool isField(QPDFObjectHandle dictionary)
 /// pages for instance.
 bool isFieldNode(QPDFObjectHandle object)
 {
-    return object.isIndirect() && object.isDictionary() && !object.hasKey("/Contents") &&
-           !object.hasKey("/Count") && (isField(object) || object.hasKey("/Kids"));
+    return object.isIndirect() && object.isDictionary() &&
+           (isWidget(object) || (!object.hasKey("/Contents") && !object.hasKey("/Count"))) &&
+           (isField(object) || object.hasKey("/Kids"));
 }
 
 } // namespace
@@ -89,18 +120,35 @@ bool FormFieldCopier::isSigned(const QPDFObjectHandle &field)
     return attribute(field, "/FT").isNameAndEquals("/Sig") && !attribute(field, "/V").isNull();
 }
 
-void FormFieldCopier::announce(const QPDFObjectHandle &widget)
+bool FormFieldCopier::canBeCopied(const QPDFObjectHandle &annotation)
+{
+    return !isWidget(annotation) || hasAppearance(annotation) || !isSigned(annotation);
+}
+
+bool FormFieldCopier::canBePicture(const QPDFObjectHandle &widget)
+{
+    QPDFObjectHandle mustBeDrawn = sourceForm.isDictionary() ? sourceForm.getKey("/NeedAppearances")
+                                                             : QPDFObjectHandle::newNull();
+    return hasAppearance(widget) &&
+           (isSigned(widget) || !mustBeDrawn.isBool() || !mustBeDrawn.getBoolValue());
+}
+
+void FormFieldCopier::announce(const QPDFObjectHandle &widget, bool isFirst)
 {
     if (isSigned(widget))
         return;
     hasAnnounced = true;
-    QPDFObjectHandle above = parentOf(widget);
+    const bool isSplit = !isFirst && isFieldNode(widget) && QPDFObjectHandle(widget).hasKey("/T");
+    QPDFObjectHandle above = isSplit ? widget : parentOf(widget);
     for (int level = 0; isFieldNode(above) && level < maximalFieldDepth; ++level) {
-        if (copier.isMapped(above.getObjGen()))
+        const QPDFObjGen number = above.getObjGen();
+        // The number of a field that is a widget, too, is the widget's.
+        if (ancestors.count(number) > 0 || (copier.isMapped(number) && !isWidget(above)))
             return;
         const QPDFObjectHandle copied = copier.placeholder();
-        copier.map(above.getObjGen(), copied);
-        ancestors[above.getObjGen()].copied = copied;
+        if (!isWidget(above))
+            copier.map(number, copied);
+        ancestors[number].copied = copied;
         above = parentOf(above);
     }
 }
@@ -115,7 +163,11 @@ void FormFieldCopier::attach(QPDFObjectHandle original, QPDFObjectHandle widget,
     widget.removeKey("/Parent");
     QPDFObjectHandle lower = widget;
     QPDFObjectHandle lowerReference = reference;
-    QPDFObjectHandle above = parentOf(original);
+    QPDFObjectHandle above = original;
+    if (ancestor(original) != nullptr)
+        removeFieldKeys(widget);
+    else
+        above = parentOf(original);
     while (Ancestor *parent = ancestor(above)) {
         lower.replaceKey("/Parent", parent->copied);
         const bool isNew = !parent->isFilled;
@@ -144,7 +196,8 @@ void FormFieldCopier::fill(const QPDFObjectHandle &original, Ancestor &field)
     for (const auto &[key, value] : QPDFObjectHandle(original).getDictAsMap()) {
         if (key == "/AA")
             copied.replaceKey(key, destinations.copyAdditionalActions(value));
-        else if (key != "/Kids" && key != "/Parent" && key != "/P")
+        else if (isWidget(original) ? isFieldKey(key)
+                                    : key != "/Kids" && key != "/Parent" && key != "/P")
             ObjectCopier::setEntry(copied, key, copier.copy(value));
     }
     copied.replaceKey("/Kids", QPDFObjectHandle::newArray());
@@ -152,13 +205,26 @@ void FormFieldCopier::fill(const QPDFObjectHandle &original, Ancestor &field)
     field.isFilled = true;
 }
 
+void FormFieldCopier::removeFieldKeys(QPDFObjectHandle widget)
+{
+    for (const std::string_view key : fieldKeys) {
+        if (key != "/AA")
+            widget.removeKey(std::string(key));
+    }
+    // What a field does when it is typed into, shown, checked and calculated; the rest is what a
+    // widget does under the mouse.
+    QPDFObjectHandle actions = widget.getKey("/AA");
+    if (actions.isDictionary()) {
+        for (const char *event : {"/K", "/F", "/V", "/C"})
+            actions.removeKey(event);
+    }
+}
+
 void FormFieldCopier::makePicture(QPDFObjectHandle widget)
 {
     // A stamp is what shows an appearance and nothing else.
-    static const char *const fieldKeys[] = {"/Parent", "/FT", "/T",  "/TU",   "/TM",     "/Ff",
-                                            "/V",      "/DV", "/AA", "/Lock", "/MaxLen", "/Opt",
-                                            "/A",      "/MK", "/SV", "/H",    "/TI",     "/I"};
-    for (const char *key : fieldKeys)
+    removeFieldKeys(widget);
+    for (const char *key : {"/Parent", "/AA", "/A", "/MK", "/H"})
         widget.removeKey(key);
     widget.replaceKey("/Subtype", QPDFObjectHandle::newName("/Stamp"));
 }
@@ -170,20 +236,23 @@ QPDFObjectHandle FormFieldCopier::calculationOrder()
     if (!order.isArray())
         return QPDFObjectHandle::newNull();
     for (const QPDFObjectHandle &field : order.getArrayAsVector()) {
-        QPDFObjectHandle copied = copier.mapped(field.getObjGen());
+        const Ancestor *above = ancestor(field);
+        QPDFObjectHandle copied =
+            above != nullptr ? above->copied : copier.mapped(field.getObjGen());
         if (copied.isDictionary())
             result.appendItem(copied);
     }
     return result.getArrayNItems() > 0 ? result : QPDFObjectHandle::newNull();
 }
 
-QPDFObjectHandle FormFieldCopier::formDictionary()
+QPDFObjectHandle FormFieldCopier::formDictionary(const QPDFObjectHandle &copiedResources)
 {
     if (!sourceForm.isDictionary() || rootFields.getArrayNItems() == 0)
         return QPDFObjectHandle::newNull();
     QPDFObjectHandle form = QPDFObjectHandle::newDictionary();
-    for (const char *key : {"/DR", "/DA", "/Q", "/NeedAppearances"})
+    for (const char *key : {"/DA", "/Q", "/NeedAppearances"})
         form.replaceKey(key, copier.copy(sourceForm.getKey(key)));
+    form.replaceKey("/DR", copiedResources);
     form.replaceKey("/CO", calculationOrder());
     form.replaceKey("/Fields", rootFields);
     return form;

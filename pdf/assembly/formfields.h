@@ -19,9 +19,16 @@ class FormFieldCopier
 public:
     FormFieldCopier(ObjectCopier &objectCopier, DestinationCopier &destinationCopier);
 
+    /// Whether anything of the annotation can be in the target: a signature that shows nothing
+    /// cannot.
+    [[nodiscard]] bool canBeCopied(const QPDFObjectHandle &annotation);
+    /// Whether makePicture() leaves what the widget shows; else the reader draws it from the field.
+    [[nodiscard]] bool canBePicture(const QPDFObjectHandle &widget);
     /// Sets aside objects of the target for the fields above the widget, which actions can name. To
-    /// be called for all widgets before the first attach().
-    void announce(const QPDFObjectHandle &widget);
+    /// be called for all widgets before the first attach(). Where one object is a field and its
+    /// widget, the field gets an object of its own when it has a second widget: one that is listed
+    /// below it, or another copy of this one (isFirst is false).
+    void announce(const QPDFObjectHandle &widget, bool isFirst);
     /// Whether a widget was announced whose field remains one.
     [[nodiscard]] bool hasFields() const { return hasAnnounced; }
     /// The source's resources for the appearances of all fields.
@@ -36,9 +43,9 @@ public:
     /// Makes the copied widget a mere picture of what it shows, for a page that is written a second
     /// time: two fields of one name would be one field.
     static void makePicture(QPDFObjectHandle widget);
-    /// The value of the catalog's /AcroForm, null when no field was copied. To be called when all
-    /// widgets are attached.
-    [[nodiscard]] QPDFObjectHandle formDictionary();
+    /// The value of the catalog's /AcroForm with these default resources, null when no field was
+    /// copied. To be called when all widgets are attached.
+    [[nodiscard]] QPDFObjectHandle formDictionary(const QPDFObjectHandle &copiedResources);
 
 private:
     /// The target's object for a field of the source above a widget.
@@ -52,6 +59,7 @@ private:
     void readKids();
     QPDFObjectHandle attribute(QPDFObjectHandle field, const char *key);
     bool isSigned(const QPDFObjectHandle &field);
+    static void removeFieldKeys(QPDFObjectHandle widget);
     Ancestor *ancestor(const QPDFObjectHandle &field);
     void fill(const QPDFObjectHandle &original, Ancestor &field);
     QPDFObjectHandle calculationOrder();

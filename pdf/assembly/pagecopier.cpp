@@ -4,6 +4,7 @@
 #include "pdf/assembly/pagecopier.h"
 
 #include <set>
+#include <stdexcept>
 
 namespace pdf {
 
@@ -33,6 +34,8 @@ QPDFObjectHandle PageCopier::copy(const PageEntry &entry)
                                        "/Dur",      "/Tabs",         "/Metadata", "/LastModified",
                                        "/VP",       "/AF",           "/PZ",       "/OutputIntents"};
     QPDFObjectHandle original = document.qpdf().getObject(entry.page);
+    if (!original.isDictionary())
+        throw std::runtime_error("a page cannot be read");
     QPDFObjectHandle page = QPDFObjectHandle::newDictionary();
     page.replaceKey("/Type", QPDFObjectHandle::newName("/Page"));
     for (const char *key : keys)
@@ -133,8 +136,10 @@ QPDFObjectHandle PageCopier::copyResources(const PageEntry &entry)
     QPDFObjectHandle dictionary = found.dictionary;
     if (!dictionary.isDictionary())
         return QPDFObjectHandle::newDictionary();
-    if (dictionary.isIndirect() || !found.isInherited)
+    if (dictionary.isIndirect())
         return copier.copy(dictionary);
+    if (!found.isInherited)
+        return resources.copyOwn(dictionary, found.owner);
     return resources.copyInherited(dictionary, found.owner);
 }
 

@@ -105,7 +105,7 @@ void ResourceCopier::addPage(const QPDFObjectHandle &contents, const PageResourc
                              const std::vector<QPDFObjectHandle> &appearances)
 {
     Scope scope = scopeOf(resources.dictionary, resources.owner);
-    scope.isShared = scope.isShared || resources.isInherited;
+    scope.isShared = scope.isShared || resources.isInherited || holdsContents(resources.dictionary);
     scope.hasShared = scope.hasShared || scope.isShared;
     waiting.push_back({streamsOf(contents), scope});
     for (const QPDFObjectHandle &appearance : appearances)
@@ -123,7 +123,12 @@ void ResourceCopier::addAppearance(const QPDFObjectHandle &appearance, const Sco
         values.pop_back();
         if (value.isStream()) {
             visitResource(value, scope);
-        } else if (value.isDictionary() && depth < maximalDepth) {
+            continue;
+        }
+        const bool isNew =
+            !value.isIndirect() ||
+            visited.insert({value.getObjGen(), scope.owner, QPDFObjGen(depth, 0)}).second;
+        if (value.isDictionary() && depth < maximalDepth && isNew) {
             for (const auto &[key, item] : value.getDictAsMap())
                 values.emplace_back(item, depth + 1);
         }
@@ -134,21 +139,36 @@ void ResourceCopier::addFormDefaults(QPDFObjectHandle resources)
 {
     if (!resources.isDictionary())
         return;
-    const Scope scope = scopeOf(resources, QPDFObjGen());
+    Scope scope = scopeOf(resources, QPDFObjGen());
     if (scope.isShared)
         sharedResources.emplace(scope.owner, resources);
-    for (const char *category : {"/Font", "/Encoding"}) {
-        QPDFObjectHandle dictionary = resources.getKey(category);
-        if (dictionary.isDictionary() && (scope.isShared || dictionary.isIndirect()))
+    // The dictionary serves all pages, wherever it stands.
+    scope.isShared = scope.isShared || !resources.isIndirect();
+    for (const auto &[category, dictionary] : resources.getDictAsMap()) {
+        if (!QPDFObjectHandle(dictionary).isDictionary() ||
+            (!scope.isShared && !dictionary.isIndirect()))
+            continue;
+        if (category == "/Font" || category == "/Encoding")
             usageOf(dictionary, scope.owner, category).isWhole = true;
+        else
+            useNamed(defaultNames, dictionary, category, scope);
     }
+}
+
+QPDFObjectHandle ResourceCopier::copyFormDefaults(const QPDFObjectHandle &resources)
+{
+    const bool isDirect = !resources.isIndirect() && QPDFObjectHandle(resources).isDictionary();
+    return isDirect ? usedResources(resources, QPDFObjGen()) : copier.copy(resources);
 }
 
 void ResourceCopier::addFieldDefaults(QPDFObjectHandle operators, QPDFObjectHandle resources)
 {
-    if (!operators.isString() || !resources.isDictionary())
+    if (!operators.isString())
         return;
     const Names names = namesIn(operators.getStringValue());
+    defaultNames.insert(names.begin(), names.end());
+    if (!resources.isDictionary())
+        return;
     const Scope scope = scopeOf(resources, QPDFObjGen());
     for (auto &[category, dictionary] : resources.getDictAsMap()) {
         if (dictionary.isDictionary() && (scope.isShared || dictionary.isIndirect()))
@@ -345,6 +365,11 @@ QPDFObjectHandle ResourceCopier::usedResources(QPDFObjectHandle resources, QPDFO
             ObjectCopier::setEntry(copied, category, usedEntries(usage->second));
     }
     return copied;
+}
+
+QPDFObjectHandle ResourceCopier::copyOwn(const QPDFObjectHandle &resources, QPDFObjGen page)
+{
+    return holdsContents(resources) ? usedResources(resources, page) : copier.copy(resources);
 }
 
 QPDFObjectHandle ResourceCopier::copyInherited(const QPDFObjectHandle &resources, QPDFObjGen owner)

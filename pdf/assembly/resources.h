@@ -18,7 +18,8 @@ namespace pdf {
 /// use, so that only those are copied: one dictionary often serves all pages and names the fonts
 /// and images of all of them.
 ///
-/// A dictionary that belongs to copied pages alone is copied as it is.
+/// A dictionary that belongs to copied pages alone is copied as it is, unless it names images and
+/// forms: those of other pages may be among them.
 /// Where contents cannot be decoded, everything they could use counts as used.
 class ResourceCopier
 {
@@ -43,12 +44,16 @@ public:
     /// dictionaries.
     void addPage(const QPDFObjectHandle &contents, const PageResources &resources,
                  const std::vector<QPDFObjectHandle> &appearances);
-    /// The form's default resources, whose fonts are all used.
+    /// The form's default resources: all their fonts are used, and what fields added before name.
     void addFormDefaults(QPDFObjectHandle resources);
 
     /// To be called when everything is added and before anything is copied: from then on references
     /// to shared dictionaries lead to copies with the used entries.
     void mapShared();
+    /// A copy of the form's default resources.
+    [[nodiscard]] QPDFObjectHandle copyFormDefaults(const QPDFObjectHandle &resources);
+    /// A copy of resources that stand directly in the page.
+    [[nodiscard]] QPDFObjectHandle copyOwn(const QPDFObjectHandle &resources, QPDFObjGen page);
     /// A copy of inherited resources that stand directly in a page tree node, as an indirect
     /// object.
     [[nodiscard]] QPDFObjectHandle copyInherited(const QPDFObjectHandle &resources,
@@ -103,6 +108,7 @@ private:
 
     ObjectCopier &copier;
     std::vector<QPDFObjGen> unshared;
+    Names defaultNames; ///< in what fields state for their looks
     std::vector<Contents> waiting;
     std::set<std::vector<QPDFObjGen>> visited;
     std::map<DictionaryId, Usage> usages;

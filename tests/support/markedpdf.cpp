@@ -63,9 +63,10 @@ void MarkedPdf::definePage(int number)
                                                           "/ColorSpace /DeviceRGB");
     file.define(beads[number - 1], "<< /X (bead" + digit + ") /N " + ref(beads[number % count]) +
                                        " /P " + self + " >>");
-    file.define(paragraphs[number - 1], "<< /Type /StructElem /S /P /C /Small /P " + ref(document) +
-                                            " /Alt (tag" + digit + ") /ID (id" + digit + ") /Pg " +
-                                            self + " /K 0 >>");
+    file.define(paragraphs[number - 1], "<< /S /P /C /Small /P " + ref(document) + " /Ref [" +
+                                            ref(paragraphs[number % count]) + "]" + " /Alt (tag" +
+                                            digit + ") /ID (id" + digit + ") /Pg " + self +
+                                            " /K 0 >>");
     file.define(pages[number - 1],
                 "<< /Type /Page /Parent " + ref(root) + " /Contents " + ref(contents) +
                     " /Annots " + addAnnotations(number) + " /B [" + ref(beads[number - 1]) +
@@ -82,9 +83,10 @@ QByteArray MarkedPdf::pageExtras(int number)
     const QByteArray sheet = ref(pages[number - 1]) + ' ' + ref(pages[number % count]);
     const int data = file.addStream("associate" + digit, "/Type /EmbeddedFile");
     const int second = file.reserve();
-    const int first = file.add("<< /Type /NavNode /Next " + ref(second) +
-                               " /NA << /S /GoTo /D (dest" + digits(number % count + 1) +
-                               ") /Next << /S /URI /URI (step" + digit + ") >> >> >>");
+    const int first =
+        file.add("<< /Type /NavNode /Next " + ref(second) + " /NA << /S /GoTo /D (dest" +
+                 digits(number % count + 1) + ") /Next [<< /S /URI /URI (step" + digit +
+                 ") >> << /S /URI /URI (then" + digit + ") >>] >> >>");
     file.define(second, "<< /Type /NavNode /Prev " + ref(first) + " /Next " + ref(first) +
                             " /PA << /S /URI /URI (back" + digit + ") >> >>");
     return " /UserUnit 1.5 /Dur 5 /TrimBox [1 1 299 199] /AF [<< /Type /Filespec /F (a) /EF << "
@@ -149,10 +151,11 @@ int MarkedPdf::addOutline()
                                    (page % 2 == 1 ? " >>" : " >> >>"));
         }
         const bool isLast = i + 1 == chapters.size();
-        file.define(chapters[i],
-                    "<< /Title (chapter" + digits(i + 1) + ") /Parent " + ref(outline) +
-                        " /Count -2 /First " + ref(first) + " /Last " + ref(second) +
-                        (isLast ? QByteArray() : " /Next " + ref(chapters[i + 1])) + " >>");
+        file.define(chapters[i], "<< /Title (chapter" + digits(i + 1) + ") /Parent " +
+                                     ref(outline) + " /Count -2 /SE " + ref(paragraphs[2 * i]) +
+                                     " /First " + ref(first) + " /Last " + ref(second) +
+                                     (isLast ? QByteArray() : " /Next " + ref(chapters[i + 1])) +
+                                     " >>");
     }
     file.define(outline, "<< /Type /Outlines /First " + ref(chapters.first()) + " /Last " +
                              ref(chapters.last()) + " >>");
@@ -199,8 +202,8 @@ QByteArray MarkedPdf::catalogEntries()
            " /Threads [<< /F " + ref(beads.first()) + " >>] /OCProperties << /OCGs " +
            PdfBuilder::refs(layers) + " /D << /OFF " + PdfBuilder::refs(layers) + " >> /Configs [" +
            views + "] >> /AcroForm << /DR << /Font << /Default " + ref(file.addHelvetica()) +
-           " >> >> /Q 2 /DA (/F1 0 Tf) /CO " + PdfBuilder::refs(widgets) + " /Fields " +
-           PdfBuilder::refs({group, sharedField}) + " >>";
+           " >> /XObject << " + images + ">> >> /Q 2 /DA (/F1 0 Tf) /CO " +
+           PdfBuilder::refs(widgets) + " /Fields " + PdfBuilder::refs({group, sharedField}) + " >>";
 }
 
 QByteArray MarkedPdf::bytes()

@@ -8,6 +8,7 @@
 
 #include <functional>
 #include <qpdf/QPDF.hh>
+#include <qpdf/QPDFAcroFormDocumentHelper.hh>
 #include <qpdf/QPDFNameTreeObjectHelper.hh>
 #include <qpdf/QPDFNumberTreeObjectHelper.hh>
 #include <qpdf/QPDFPageLabelDocumentHelper.hh>
@@ -151,6 +152,19 @@ int listLength(const QString &file, const char *key)
             return dictionary.getKey(key).getArrayNItems();
     }
     return -1;
+}
+
+QString fieldNames(const QString &file)
+{
+    const std::shared_ptr<QPDF> pdf = open(file);
+    QPDFAcroFormDocumentHelper form(*pdf);
+    QStringList names;
+    for (const QPDFObjectHandle &page : pdf->getAllPages()) {
+        for (const QPDFAnnotationObjectHelper &widget : form.getWidgetAnnotationsForPage(page))
+            names.append(
+                QString::fromStdString(form.getFieldForAnnotation(widget).getFullyQualifiedName()));
+    }
+    return names.join(QLatin1Char(' '));
 }
 
 QString structureFaults(const QString &file)

@@ -33,6 +33,10 @@ namespace pdfobjects {
 /// /OCProperties.
 [[nodiscard]] int listLength(const QString &file, const char *key);
 
+/// The full name of the field that each widget is found to belong to, page by page, separated by
+/// blanks.
+[[nodiscard]] QString fieldNames(const QString &file);
+
 /// What is wrong with the structure tree, empty when nothing is: every element is listed by the one
 /// above it, and the tagged contents of every page lead to elements of that page.
 [[nodiscard]] QString structureFaults(const QString &file);
