@@ -36,6 +36,7 @@ private slots:
     void layoutFiles();
     void imageShowsThePage();
     void pageWithoutImageKeepsItsText();
+    void earlierPagesTakeNoMemory();
     void namesAreBytes();
     void inputIsNeverOverwritten();
 };
@@ -59,6 +60,34 @@ QStringList arguments(const QString &line, const QString &folder)
         argument.replace(QStringLiteral("@"), folder);
     return result;
 }
+
+/// A limit of this process and of the tools it runs meanwhile.
+class Limited
+{
+public:
+    Limited(__rlimit_resource_t limited, rlim_t value) : resource(limited)
+    {
+        getrlimit(resource, &before);
+        rlimit small = before;
+        small.rlim_cur = value;
+#if defined(__SANITIZE_ADDRESS__)
+        // The sanitizer's own memory counts, too.
+        if (resource == RLIMIT_DATA)
+            small = before;
+#endif
+        setrlimit(resource, &small);
+    }
+    ~Limited()
+    {
+        setrlimit(resource, &before);
+    }
+    Limited(const Limited &) = delete;
+    Limited &operator=(const Limited &) = delete;
+
+private:
+    __rlimit_resource_t resource;
+    rlimit before = {};
+};
 
 } // namespace
 
@@ -230,19 +259,16 @@ void TestTools::fullDisk()
     for (int i = 0; i < 400; ++i)
         text += showText(20, 190 - i * 0.4, "line " + QByteArray::number(i), 5);
     writeFile(input, simplePdf({text, text, text}));
-    rlimit before = {};
-    getrlimit(RLIMIT_FSIZE, &before);
-    rlimit small = before;
-    small.rlim_cur = 2000;
-    setrlimit(RLIMIT_FSIZE, &small);
-    const ToolResult merged = mergePages(input, "1-3", folder.filePath("out.pdf"));
-    const ToolResult converted = convertPages(input, folder.path());
-    small.rlim_cur = 20;
-    setrlimit(RLIMIT_FSIZE, &small);
-    const ToolResult described =
-        runTool("stavekit", {input, "-getinfo", "-outfile", folder.filePath("info.txt")});
-    setrlimit(RLIMIT_FSIZE, &before);
-    for (const ToolResult &result : {merged, converted, described}) {
+    QList<ToolResult> results;
+    {
+        const Limited size(RLIMIT_FSIZE, 2000);
+        results << mergePages(input, "1-3", folder.filePath("out.pdf"))
+                << convertPages(input, folder.path());
+        const Limited smaller(RLIMIT_FSIZE, 20);
+        results << runTool("stavekit",
+                           {input, "-getinfo", "-outfile", folder.filePath("info.txt")});
+    }
+    for (const ToolResult &result : results) {
         QCOMPARE(result.exitCode, 5);
         QCOMPARE(result.errors.count('\n'), 1);
     }
@@ -340,6 +366,18 @@ void TestTools::pageWithoutImageKeepsItsText()
         QVERIFY(QFile::exists(layoutPath(folder.path(), page)));
     QVERIFY(!QFile::exists(folder.filePath("split_pg_0002.png")));
     QVERIFY(QFile::exists(folder.filePath("split_pg_0003.png")));
+}
+
+void TestTools::earlierPagesTakeNoMemory()
+{
+    // Each page takes some 50 MB.
+    const QTemporaryDir folder;
+    const QString input = folder.filePath("in.pdf");
+    writeFile(input, simplePdf(QByteArrayList(8, showText(20, 100, "one")),
+                               "/Filler [" + QByteArray("0 ").repeated(1000000) + ']'));
+    const Limited memory(RLIMIT_DATA, 200 << 20);
+    const ToolResult result = convertPages(input, folder.path());
+    QVERIFY2(result.exitCode == 0, result.errors);
 }
 
 void TestTools::namesAreBytes()

@@ -10,8 +10,10 @@
 #include "pdf/layout/pngfile.h"
 
 #include <cstring>
+#include <malloc.h>
 #include <mupdf/fitz.h>
 #include <mupdf/pdf.h>
+#include <optional>
 #include <utility>
 
 // MuPDF reports errors by longjmp. Between fz_try and fz_catch therefore stand only C functions and
@@ -26,12 +28,21 @@ constexpr std::size_t storeBytes = std::size_t{32} << 20;
 /// Pages after which the objects read for them are forgotten. Without that a worker's memory would
 /// grow by some kilobytes a page up to its limit.
 constexpr int pagesRemembered = 500;
+/// Growth after which they are forgotten earlier, so that no page lacks memory because of what the
+/// pages before it needed.
+constexpr std::size_t bytesRemembered = std::size_t{64} << 20;
 /// Largest page image, 200 MB in memory: a side of 2 m at 96 dpi.
 constexpr double largestImagePixels = 64e6;
 constexpr float layoutScale = static_cast<float>(layoutDpi / 72);
 
 void ignoreMessage(void * /*user*/, const char * /*message*/)
 {
+}
+
+std::size_t bytesInUse()
+{
+    const struct mallinfo2 info = ::mallinfo2();
+    return info.uordblks + info.hblkhd;
 }
 
 /// The cause of the last failed fz_try, in one line.
@@ -210,9 +221,9 @@ int flatPageNumber(fz_context *context, pdf_document *document, int index)
 struct PageReader::Engine
 {
     explicit Engine(const ReadablePages &readablePages)
-        : pages(readablePages), context(fz_new_context(nullptr, nullptr, storeBytes)),
-          fonts(context.get())
+        : pages(readablePages), context(fz_new_context(nullptr, nullptr, storeBytes))
     {
+        fonts.emplace(context.get());
     }
     ~Engine()
     {
@@ -230,13 +241,17 @@ struct PageReader::Engine
         for (int &number : copiedPages)
             number = flatPageNumber(context.get(), document, index++);
         pdf_mark_xref(context.get(), document);
+        bytesAtStart = bytesInUse();
     }
 
     /// Throws MuPDF exceptions only.
     void forgetPages()
     {
-        if (++pagesRead % pagesRemembered == 0)
-            pdf_clear_xref_to_mark(context.get(), document);
+        if (++pagesRead % pagesRemembered != 0 && bytesInUse() < bytesAtStart + bytesRemembered)
+            return;
+        fonts.emplace(context.get());
+        pdf_clear_xref_to_mark(context.get(), document);
+        bytesAtStart = bytesInUse();
     }
 
     [[nodiscard]] PageEntry entry(int index) const
@@ -248,9 +263,10 @@ struct PageReader::Engine
 
     const ReadablePages &pages;
     std::unique_ptr<fz_context, ContextDeleter> context;
-    FontStore fonts;
+    std::optional<FontStore> fonts;
     pdf_document *document = nullptr;
     int pagesRead = 0;
+    std::size_t bytesAtStart = 0; ///< in use when pages were last forgotten
     std::vector<int> copiedPages; ///< page objects of a copy, which has numbers of its own
 };
 
@@ -293,8 +309,8 @@ std::vector<Fragment> PageReader::fragments(int index)
     const Matrix toPixels = Matrix::of(loaded.toPage).followedBy({scale, 0, 0, scale, 0, 0});
     GlyphCollector collector(static_cast<double>(loaded.bounds.x1 - loaded.bounds.x0) * scale,
                              static_cast<double>(loaded.bounds.y1 - loaded.bounds.y0) * scale);
-    engine->fonts.forgetUnused();
-    TextInterpreter interpreter(context, &engine->fonts, &collector, toPixels);
+    engine->fonts->forgetUnused();
+    TextInterpreter interpreter(context, &*engine->fonts, &collector, toPixels);
     fz_try(context)
     {
         interpretPage(context, loaded.page, &interpreter);
