@@ -13,6 +13,7 @@
 #include <malloc.h>
 #include <mupdf/fitz.h>
 #include <mupdf/pdf.h>
+#include <new>
 #include <optional>
 #include <utility>
 
@@ -45,9 +46,11 @@ std::size_t bytesInUse()
     return info.uordblks + info.hblkhd;
 }
 
-/// The cause of the last failed fz_try, in one line.
+/// Throws for the last failed fz_try, with its cause in one line.
 [[noreturn]] void fail(fz_context *context)
 {
+    if (fz_caught(context) == FZ_ERROR_MEMORY)
+        throw std::bad_alloc();
     const char *cause = fz_caught_message(context);
     throw Error(ExitCode::InputUnreadable,
                 *cause != '\0' ? std::string("damaged: ") + cause : "damaged");
@@ -78,7 +81,9 @@ public:
     pdf_document *document;
     pdf_page *page = nullptr;
     fz_rect bounds = {};
-    fz_matrix toPage = {}; ///< from the coordinates of the contents to the displayed page's
+    fz_irect imageBox = {};
+    bool isTooLarge = false; ///< for an image
+    fz_matrix toPage = {};   ///< from the coordinates of the contents to the displayed page's
 };
 
 /// Takes the links off a page in memory. They show nothing, and loading a page resolves each one's
@@ -138,6 +143,11 @@ void load(LoadedPage *loaded, const PageEntry *entry)
     makeOnlyPage(loaded->context, loaded->document, entry->page.getObj(), entry->parent.getObj());
     loaded->page = pdf_load_page(loaded->context, loaded->document, 0);
     loaded->bounds = pdf_bound_page(loaded->context, loaded->page);
+    const fz_irect box =
+        fz_round_rect(fz_transform_rect(loaded->bounds, fz_scale(layoutScale, layoutScale)));
+    loaded->imageBox = box;
+    loaded->isTooLarge =
+        static_cast<double>(box.x1 - box.x0) * (box.y1 - box.y0) > largestImagePixels;
     fz_rect mediaBox = {};
     pdf_page_transform(loaded->context, loaded->page, &mediaBox, &loaded->toPage);
 }
@@ -160,11 +170,8 @@ fz_pixmap *draw(LoadedPage *loaded)
     fz_var(device);
     fz_try(context)
     {
-        const fz_irect box =
-            fz_round_rect(fz_transform_rect(loaded->bounds, fz_scale(layoutScale, layoutScale)));
-        if (static_cast<double>(box.x1 - box.x0) * (box.y1 - box.y0) > largestImagePixels)
-            fz_throw(context, FZ_ERROR_GENERIC, "page is too large to be drawn");
-        pixmap = fz_new_pixmap_with_bbox(context, fz_device_rgb(context), box, nullptr, 0);
+        pixmap =
+            fz_new_pixmap_with_bbox(context, fz_device_rgb(context), loaded->imageBox, nullptr, 0);
         fz_clear_pixmap_with_value(context, pixmap, 0xFF);
         device = fz_new_draw_device(context, fz_identity, pixmap);
         run(loaded, device);
@@ -274,7 +281,7 @@ PageReader::PageReader(const ReadablePages &pages) : engine(std::make_unique<Eng
 {
     fz_context *context = engine->context.get();
     if (context == nullptr)
-        throw Error(ExitCode::InputUnreadable, "not enough memory");
+        throw std::bad_alloc();
     fz_set_warning_callback(context, ignoreMessage, nullptr);
     fz_set_error_callback(context, ignoreMessage, nullptr);
     if (pages.isCopy())
@@ -333,12 +340,15 @@ std::string PageReader::image(int index)
     fz_try(context)
     {
         load(&loaded, &entry);
-        pixmap = draw(&loaded);
+        if (!loaded.isTooLarge)
+            pixmap = draw(&loaded);
     }
     fz_catch(context)
     {
         fail(context);
     }
+    if (loaded.isTooLarge)
+        throw PageTooLarge();
     const auto drop = [context](fz_pixmap *drawn) { fz_drop_pixmap(context, drawn); };
     const std::unique_ptr<fz_pixmap, decltype(drop)> guard(pixmap, drop);
     const RgbImage image{fz_pixmap_samples(context, pixmap), fz_pixmap_width(context, pixmap),

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "pdf/document/document.h"
+#include "pdf/error.h"
 #include "pdf/layout/fragment.h"
 
 #include <memory>
@@ -29,7 +30,8 @@ public:
     }
     /// Whether bytes() is a copy, whose page tree is one node that lists all pages.
     [[nodiscard]] bool isCopy() const { return !copy.empty(); }
-    /// Goes over to a copy, for a file that only one of the two libraries understands.
+    /// Goes over to a copy, for a file that only one of the two libraries understands. Throws as
+    /// the constructor does, and leaves everything as it was then.
     void makeCopy();
 
 private:
@@ -39,7 +41,15 @@ private:
     std::vector<PageEntry> entries;
 };
 
-/// Reads the text and draws the image of single pages. Not for use by several threads.
+/// The cause why a page has no image that no repair removes.
+class PageTooLarge : public Error
+{
+public:
+    PageTooLarge() : Error(ExitCode::InputUnreadable, "is too large to be drawn") {}
+};
+
+/// Reads the text and draws the image of single pages. Not for use by several threads. All
+/// functions throw std::bad_alloc when memory is short, and can be called again then.
 class PageReader
 {
 public:
@@ -54,7 +64,7 @@ public:
     /// before the damage.
     [[nodiscard]] std::vector<Fragment> fragments(int index);
     /// The page at layoutDpi as a PNG file: what a viewer shows, annotations included.
-    /// Throws Error(InputUnreadable), also for a page too large to be drawn.
+    /// Throws Error(InputUnreadable), PageTooLarge.
     [[nodiscard]] std::string image(int index);
 
 private:

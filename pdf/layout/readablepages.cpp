@@ -2,8 +2,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "pdf/error.h"
+#include "pdf/isolation/limits.h"
 #include "pdf/layout/pagereader.h"
 
+#include <new>
 #include <qpdf/Pl_String.hh>
 #include <qpdf/QPDFWriter.hh>
 
@@ -51,7 +53,10 @@ std::string soundCopy(Document &document)
 {
     flattenPageTree(document.qpdf(), document.pages());
     removeOddId(document.qpdf());
+    // A string that grows by itself takes up to three times its size.
     std::string result;
+    const std::size_t size = document.file().bytes().size();
+    result.reserve(size + size / 8);
     Pl_String output("copy", nullptr, result);
     QPDFWriter writer(document.qpdf());
     writer.setOutputPipeline(&output);
@@ -73,12 +78,19 @@ ReadablePages::ReadablePages(Document &inputDocument)
 
 void ReadablePages::makeCopy()
 {
+    constexpr long long largestInputBytes = memoryLimitBytes / 2;
+    const auto fail = [this](const char *cause) {
+        throw Error(ExitCode::InputUnreadable, document.file().path() + cause);
+    };
+    if (static_cast<long long>(view.size()) > largestInputBytes)
+        fail(": is damaged and too large to be repaired");
     try {
         copy = soundCopy(document);
         view = copy;
+    } catch (const std::bad_alloc &) {
+        fail(": is damaged and needs too much memory to be repaired");
     } catch (const std::exception &) {
-        throw Error(ExitCode::InputUnreadable,
-                    document.file().path() + ": is damaged beyond repair");
+        fail(": is damaged beyond repair");
     }
 }
 

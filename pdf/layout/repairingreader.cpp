@@ -3,37 +3,56 @@
 
 #include "pdf/layout/repairingreader.h"
 
-#include "pdf/error.h"
+#include <new>
+#include <utility>
 
 namespace pdf {
 
-RepairingReader::RepairingReader(ReadablePages &readablePages) : pages(readablePages)
+RepairingReader::RepairingReader(ReadablePages &readablePages)
+    : pages(readablePages), mayRepair(!readablePages.isCopy())
 {
-    try {
-        reader = std::make_unique<PageReader>(pages);
-    } catch (const Error &) {
-        readCopy();
-    }
+    repairing([this] { current(); });
 }
 
-void RepairingReader::readCopy()
+PageReader &RepairingReader::current()
 {
-    reader.reset();
-    pages.makeCopy();
-    reader = std::make_unique<PageReader>(pages);
+    if (reader == nullptr)
+        reader = std::make_unique<PageReader>(pages);
+    return *reader;
+}
+
+template <typename Action>
+auto RepairingReader::repairing(const Action &action) -> decltype(action())
+{
+    try {
+        return action();
+    } catch (const PageTooLarge &) {
+        throw;
+    } catch (const Error &) {
+        if (!std::exchange(mayRepair, false))
+            throw;
+        try {
+            pages.makeCopy();
+            reader = std::make_unique<PageReader>(pages);
+            return action();
+        } catch (const std::exception &) {
+            // What is wrong with the document tells more than why it cannot be repaired.
+        }
+        throw;
+    }
 }
 
 template <typename Result>
 Result RepairingReader::read(Result (PageReader::*function)(int), int index)
 {
-    try {
-        return (reader.get()->*function)(index);
-    } catch (const Error &) {
-        if (pages.isCopy())
-            throw;
-        readCopy();
-        return (reader.get()->*function)(index);
-    }
+    return repairing([&] {
+        try {
+            return (current().*function)(index);
+        } catch (const std::bad_alloc &) {
+            reader.reset();
+            return (current().*function)(index);
+        }
+    });
 }
 
 std::vector<Fragment> RepairingReader::fragments(int index)

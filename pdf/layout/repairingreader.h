@@ -8,11 +8,12 @@
 namespace pdf {
 
 /// A PageReader that goes over to a sound copy of the document when the document as it stands, or a
-/// page of it, cannot be read. Meant for one worker process, whose pages are then its own.
+/// page of it, cannot be read, and that starts anew when memory is short, because the pages read
+/// before take some. Meant for one worker process, whose pages are then its own.
 class RepairingReader
 {
 public:
-    /// The pages must outlive the reader. Throws Error(InputUnreadable).
+    /// The pages must outlive the reader. Throws Error(InputUnreadable), std::bad_alloc.
     explicit RepairingReader(ReadablePages &readablePages);
 
     /// As PageReader has them.
@@ -20,11 +21,16 @@ public:
     [[nodiscard]] std::string image(int index);
 
 private:
-    void readCopy();
+    /// The reader, which is missing only while memory is short.
+    PageReader &current();
+    /// Does the action, if need be once more with a copy; the cause of a failure is the first one.
+    template <typename Action>
+    auto repairing(const Action &action) -> decltype(action());
     template <typename Result>
     Result read(Result (PageReader::*function)(int), int index);
 
     ReadablePages &pages;
+    bool mayRepair; ///< once, because a further copy would be the same
     std::unique_ptr<PageReader> reader;
 };
 
