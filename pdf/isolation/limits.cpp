@@ -4,6 +4,8 @@
 #include "pdf/isolation/limits.h"
 
 #include <csignal>
+#include <cstdlib>
+#include <exception>
 #include <sys/resource.h>
 
 namespace pdf {
@@ -35,6 +37,8 @@ void limitResources()
     limit(RLIMIT_STACK, static_cast<rlim_t>(stackLimitBytes));
     limit(RLIMIT_CORE, 0);
     std::signal(SIGXFSZ, SIG_IGN);
+    // A library that lacks memory while it clears up ends here. Who waits for the process tells it.
+    std::set_terminate(std::abort);
 }
 
 } // namespace pdf

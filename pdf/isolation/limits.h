@@ -16,7 +16,8 @@ constexpr int pageTimeLimitSeconds = 20;
 constexpr int documentTimeLimitSeconds = 60;
 
 /// Makes further allocations beyond memoryLimitBytes fail, in this process and its children, and
-/// keeps a crash from leaving a core file in the user's folder. Writing beyond a file size limit
+/// keeps a crash from leaving a core file in the user's folder and an exception that nothing can
+/// catch from leaving the runtime's words on standard error. Writing beyond a file size limit
 /// becomes an ordinary error.
 void limitResources();
 
