@@ -15,6 +15,7 @@
 #include <cstdint>
 #include <fcntl.h>
 #include <memory>
+#include <stdexcept>
 #include <sys/mman.h>
 #include <sys/socket.h>
 #include <sys/syscall.h>
@@ -160,6 +161,12 @@ void TestSupervision::pages_data()
     lost("endless loop", loop, "takes too long");
     lost(
         "error", [] { throw pdf::Error(pdf::ExitCode::InputUnreadable, "damaged"); }, "damaged");
+    lost(
+        "exception of a library", [] { throw std::runtime_error("odd"); }, "odd");
+    lost(
+        "library that gives up", [] { ::_exit(1); }, "crashes the reader");
+    lost(
+        "library that is content", [] { ::_exit(0); }, "crashes the reader");
 #if !defined(__SANITIZE_ADDRESS__)
     lost("memory bomb", takeMemory, "needs too much memory");
 #endif

@@ -33,10 +33,16 @@ long long millisecondsNow()
     return std::chrono::duration_cast<milliseconds>(now).count();
 }
 
+constexpr char outOfMemory[] = "needs too much memory";
+
+// What a worker is at when it is at no page.
+constexpr int starting = -1;
+constexpr int betweenPages = -2;
+
 /// What one worker is at, written by the worker.
 struct Slot
 {
-    std::atomic<int> page{-1}; ///< -1 while the worker starts or ends
+    std::atomic<int> page{starting};
     std::atomic<long long> sinceMs{0};
 };
 
@@ -127,7 +133,7 @@ private:
     void start(int worker)
     {
         Slot &slot = board->slots[worker];
-        slot.page = -1;
+        slot.page = starting;
         slot.sinceMs = millisecondsNow();
         const pid_t parent = ::getpid();
         const pid_t process = ::fork();
@@ -151,6 +157,7 @@ private:
         confine(work.permissions);
         try {
             const std::function<void(int)> convert = work.startWorker();
+            slot.page = betweenPages;
             while (hasWork()) {
                 const int page = board->nextPage++;
                 if (page >= work.pageCount)
@@ -158,13 +165,16 @@ private:
                 slot.sinceMs = millisecondsNow();
                 slot.page = page;
                 convertOne(convert, page);
-                slot.page = -1;
+                slot.page = betweenPages;
             }
         } catch (const Error &error) {
             end(error.exitCode(), error.what());
+        } catch (const std::bad_alloc &) {
+            end(ExitCode::InputUnreadable, outOfMemory);
         } catch (const std::exception &error) {
             end(ExitCode::InputUnreadable, error.what());
         }
+        slot.page = betweenPages;
         ::_exit(0);
     }
 
@@ -177,7 +187,9 @@ private:
                 throw;
             giveUp(page, error.what());
         } catch (const std::bad_alloc &) {
-            giveUp(page, "needs too much memory");
+            giveUp(page, outOfMemory);
+        } catch (const std::exception &error) {
+            giveUp(page, error.what());
         }
     }
 
@@ -209,14 +221,12 @@ private:
             return;
         processes[worker] = 0;
         --running;
-        if (WIFEXITED(status) && WEXITSTATUS(status) == 0)
+        const bool isDone =
+            WIFEXITED(status) && WEXITSTATUS(status) == 0 && slot.page == betweenPages;
+        if (isDone)
             return;
-        if (WIFEXITED(status)) {
-            // Only an emergency exit ends a worker this way, and it has told the cause.
-            board->ending = WEXITSTATUS(status);
-            return;
-        }
-        const int number = WTERMSIG(status);
+        // A library that ends its process has met something as bad as a crash.
+        const int number = WIFSIGNALED(status) ? WTERMSIG(status) : SIGABRT;
         const std::string cause = isLate ? "takes too long" : causeOfEnd(number);
         // An input that became shorter is lost for all pages.
         if (slot.page < 0 || number == SIGBUS)

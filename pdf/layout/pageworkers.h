@@ -23,7 +23,8 @@ struct PageWork
     /// What each worker process may touch; nothing unless stated.
     Permissions permissions;
     /// Called in each worker process once; gives the function that converts the page of an index.
-    /// Both throw Error: OutputUnwritable ends the whole work, anything else gives the page up.
+    /// What it throws itself ends the whole work. The function's Error of OutputUnwritable does,
+    /// too; any other exception of it gives the page up.
     std::function<std::function<void(int index)>()> startWorker;
     /// Called in any of the processes for each page given up (index from 0) and for what ends the
     /// whole work (index -1).
