@@ -12,6 +12,7 @@
 #include <csignal>
 #include <cstring>
 #include <new>
+#include <optional>
 #include <sched.h>
 #include <sys/mman.h>
 #include <sys/prctl.h>
@@ -38,8 +39,9 @@ constexpr char outOfMemory[] = "needs too much memory";
 // What a worker is at when it is at no page.
 constexpr int starting = -1;
 constexpr int betweenPages = -2;
+constexpr int condemned = -3; ///< its page took too long, whatever becomes of it now
 
-/// What one worker is at, written by the worker.
+/// What one worker is at, written by the worker unless it is condemned.
 struct Slot
 {
     std::atomic<int> page{starting};
@@ -164,8 +166,12 @@ private:
                     break;
                 slot.sinceMs = millisecondsNow();
                 slot.page = page;
-                convertOne(convert, page);
-                slot.page = betweenPages;
+                const std::optional<std::string> failure = causeOfFailure(convert, page);
+                int expected = page;
+                if (!slot.page.compare_exchange_strong(expected, betweenPages))
+                    ::_exit(0); // the supervisor has given it up
+                if (failure)
+                    giveUp(page, *failure);
             }
         } catch (const Error &error) {
             end(error.exitCode(), error.what());
@@ -178,19 +184,21 @@ private:
         ::_exit(0);
     }
 
-    void convertOne(const std::function<void(int)> &convert, int page)
+    static std::optional<std::string> causeOfFailure(const std::function<void(int)> &convert,
+                                                     int page)
     {
         try {
             convert(page);
         } catch (const Error &error) {
             if (error.exitCode() == ExitCode::OutputUnwritable)
                 throw;
-            giveUp(page, error.what());
+            return error.what();
         } catch (const std::bad_alloc &) {
-            giveUp(page, outOfMemory);
+            return outOfMemory;
         } catch (const std::exception &error) {
-            giveUp(page, error.what());
+            return error.what();
         }
+        return std::nullopt;
     }
 
     void giveUp(int page, const std::string &cause)
@@ -207,13 +215,22 @@ private:
             work.report(-1, cause);
     }
 
+    /// Whether the worker takes too long for what it is at, which is lost then even if it ends in
+    /// the same moment: no page is both done and given up, and none is taken unheard of.
+    bool condemnIfLate(Slot &slot, int page) const
+    {
+        return page != betweenPages &&
+               millisecondsNow() - slot.sinceMs > work.secondsPerPage * millisecondsPerSecond &&
+               slot.page.compare_exchange_strong(page, condemned);
+    }
+
     void look(int worker)
     {
         if (processes[worker] <= 0)
             return;
         Slot &slot = board->slots[worker];
-        const bool isLate =
-            millisecondsNow() - slot.sinceMs > work.secondsPerPage * millisecondsPerSecond;
+        int page = slot.page;
+        const bool isLate = condemnIfLate(slot, page);
         if (isLate)
             ::kill(processes[worker], SIGKILL);
         int status = 0;
@@ -221,18 +238,18 @@ private:
             return;
         processes[worker] = 0;
         --running;
-        const bool isDone =
-            WIFEXITED(status) && WEXITSTATUS(status) == 0 && slot.page == betweenPages;
-        if (isDone)
+        if (!isLate)
+            page = slot.page;
+        if (WIFEXITED(status) && WEXITSTATUS(status) == 0 && page == betweenPages)
             return;
         // A library that ends its process has met something as bad as a crash.
         const int number = WIFSIGNALED(status) ? WTERMSIG(status) : SIGABRT;
         const std::string cause = isLate ? "takes too long" : causeOfEnd(number);
         // An input that became shorter is lost for all pages.
-        if (slot.page < 0 || number == SIGBUS)
+        if (page < 0 || number == SIGBUS)
             end(ExitCode::InputUnreadable, cause);
         else
-            giveUp(slot.page, cause);
+            giveUp(page, cause);
         if (hasWork())
             start(worker);
     }
