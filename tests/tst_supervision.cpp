@@ -13,6 +13,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdint>
+#include <ctime>
 #include <fcntl.h>
 #include <memory>
 #include <stdexcept>
@@ -33,6 +34,7 @@ private slots:
     void initTestCase();
     void pages_data();
     void pages();
+    void stoppedMeanwhile();
     void document_data();
     void document();
     void confinement_data();
@@ -211,6 +213,33 @@ void TestSupervision::pages()
     };
     QCOMPARE(static_cast<int>(pdf::workOnPages(work)), exitCode);
     QCOMPARE(written.all(), lines);
+}
+
+void TestSupervision::stoppedMeanwhile()
+{
+    // By the user's Ctrl+Z or a scheduler, for longer than a page may take.
+    const pid_t group = ::fork();
+    if (group == 0) {
+        ::setpgid(0, 0);
+        pdf::PageWork work;
+        work.pageCount = 1;
+        work.secondsPerPage = 2;
+        work.startWorker = []() -> std::function<void(int)> {
+            return [](int) {
+                while (std::clock() < CLOCKS_PER_SEC / 3) {
+                }
+            };
+        };
+        work.report = [](int, const std::string &) {};
+        ::_exit(static_cast<int>(pdf::workOnPages(work)));
+    }
+    QTest::qSleep(100);
+    ::kill(-group, SIGSTOP);
+    QTest::qSleep(2500);
+    ::kill(-group, SIGCONT);
+    int status = -1;
+    ::waitpid(group, &status, 0);
+    QCOMPARE(status, 0);
 }
 
 void TestSupervision::document_data()

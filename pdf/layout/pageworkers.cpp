@@ -18,6 +18,7 @@
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <utility>
 
 namespace pdf {
 
@@ -26,6 +27,9 @@ namespace {
 constexpr int maximalWorkers = 128;
 
 constexpr long long millisecondsPerSecond = 1000;
+constexpr long usualWaitMs = 200;
+/// A wait is that long on a busy machine; a longer one means that the process was stopped.
+constexpr long long longestWaitMs = 500;
 
 long long millisecondsNow()
 {
@@ -45,7 +49,7 @@ constexpr int condemned = -3; ///< its page took too long, whatever becomes of i
 struct Slot
 {
     std::atomic<int> page{starting};
-    std::atomic<long long> sinceMs{0};
+    std::atomic<long long> sinceMs{0}; ///< on the board's clock
 };
 
 /// The state that all processes share.
@@ -53,6 +57,9 @@ struct Board
 {
     std::atomic<int> nextPage{0};
     std::atomic<bool> hasGivenUp{false};
+    /// Time since the start. It stands still while the processes are stopped, so that this makes no
+    /// page late.
+    std::atomic<long long> clockMs{0};
     std::atomic<int> ending{0}; ///< exit code of what ended the whole work, 0 while it goes on
     Slot slots[maximalWorkers];
 };
@@ -94,8 +101,7 @@ public:
     void restore() { ::sigprocmask(SIG_SETMASK, &before, nullptr); }
     void wait() const
     {
-        constexpr long milliseconds = 200;
-        const timespec timeout{0, milliseconds * 1000 * 1000};
+        const timespec timeout{0, usualWaitMs * 1000 * 1000};
         ::sigtimedwait(&set, nullptr, &timeout);
     }
 
@@ -116,8 +122,10 @@ public:
     {
         for (int i = 0; i < count; ++i)
             start(i);
-        while (running > 0) {
+        for (long long lastLook = millisecondsNow(); running > 0;) {
             signal.wait();
+            const long long now = millisecondsNow();
+            board->clockMs += std::min(now - std::exchange(lastLook, now), longestWaitMs);
             for (int i = 0; i < count; ++i)
                 look(i);
         }
@@ -136,7 +144,7 @@ private:
     {
         Slot &slot = board->slots[worker];
         slot.page = starting;
-        slot.sinceMs = millisecondsNow();
+        slot.sinceMs = board->clockMs.load();
         const pid_t parent = ::getpid();
         const pid_t process = ::fork();
         if (process == 0)
@@ -164,7 +172,7 @@ private:
                 const int page = board->nextPage++;
                 if (page >= work.pageCount)
                     break;
-                slot.sinceMs = millisecondsNow();
+                slot.sinceMs = board->clockMs.load();
                 slot.page = page;
                 const std::optional<std::string> failure = causeOfFailure(convert, page);
                 int expected = page;
@@ -220,7 +228,7 @@ private:
     bool condemnIfLate(Slot &slot, int page) const
     {
         return page != betweenPages &&
-               millisecondsNow() - slot.sinceMs > work.secondsPerPage * millisecondsPerSecond &&
+               board->clockMs - slot.sinceMs > work.secondsPerPage * millisecondsPerSecond &&
                slot.page.compare_exchange_strong(page, condemned);
     }
 

@@ -19,7 +19,8 @@ struct PageWork
 {
     int pageCount = 0;
     int workerCount = 1;
-    int secondsPerPage = pageTimeLimitSeconds; ///< longest time one page may take
+    /// Longest time one page may take; while the processes are stopped none passes.
+    int secondsPerPage = pageTimeLimitSeconds;
     /// What each worker process may touch; nothing unless stated.
     Permissions permissions;
     /// Called in each worker process once; gives the function that converts the page of an index.
