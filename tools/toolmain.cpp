@@ -73,7 +73,7 @@ std::string exitCodeUsage()
            "  0  done\n"
            "  2  command line not understood, or a page that does not exist asked for\n"
            "  3  input cannot be read: missing, no PDF, or damaged beyond repair\n"
-           "  4  done in part: some pages were given up\n"
+           "  4  done in part: some pages were given up or have no image\n"
            "  5  output cannot be written\n"
            "  6  input needs a password, or its permissions forbid the operation\n";
 }

@@ -37,7 +37,9 @@ const char usage[] =
     "  <span style=\"left:64;top:118;width:93;height:15\">INV-0042</span>\n"
     "in pixels at 96 dpi from the top left corner of the page as a viewer shows it. A page "
     "without\n"
-    "text gives an empty file. A page is given up after 20 s or 1 GiB.\n";
+    "text gives an empty file. A page is given up after 20 s or 1 GiB; when only its image is "
+    "lost,\n"
+    "its layout file stays.\n";
 
 struct Request
 {
@@ -96,6 +98,11 @@ struct PageFiles
     std::string image;
 };
 
+bool exists(const std::string &file)
+{
+    return ::access(file.c_str(), F_OK) == 0;
+}
+
 void removePage(const Request &request, int number)
 {
     const PageFiles files(request.outputStem, number);
@@ -110,7 +117,6 @@ void removePage(const Request &request, int number)
 /// have files without a gap. A page that was given up may have left its image alone.
 void removeEarlierPages(const Request &request)
 {
-    const auto exists = [](const std::string &file) { return ::access(file.c_str(), F_OK) == 0; };
     for (int number = 1;; ++number) {
         const PageFiles files(request.outputStem, number);
         if (!exists(files.layout) && !(request.hasRange() && exists(files.image)))
@@ -145,9 +151,7 @@ public:
         work.permissions.writableFolders = {pdf::folderOf(request.outputStem)};
         work.startWorker = [this] { return startWorker(); };
         work.report = [this](int index, const std::string &cause) {
-            const std::string page =
-                index < 0 ? "" : "page " + std::to_string(first + index) + ": given up: ";
-            printFailure("quillrend", request.input + ": " + page + cause);
+            printFailure("quillrend", request.input + ": " + lossAt(index) + cause);
         };
         const pdf::ExitCode code = pdf::workOnPages(work);
         if (code != pdf::ExitCode::Done && code != pdf::ExitCode::DoneInPart) {
@@ -158,6 +162,16 @@ public:
     }
 
 private:
+    /// What is lost at the page, for the line that tells it; nothing where there is no page.
+    [[nodiscard]] std::string lossAt(int index) const
+    {
+        if (index < 0)
+            return "";
+        const bool hasText = exists(PageFiles(request.outputStem, index + 1).layout);
+        return "page " + std::to_string(first + index) +
+               (request.hasRange() && hasText ? ": has no image: " : ": given up: ");
+    }
+
     std::function<void(int)> startWorker()
     {
         reader = std::make_unique<pdf::RepairingReader>(pages);
