@@ -111,7 +111,7 @@ void TestInterruptions::inputChangedWhileItIsRead()
             QVERIFY(file.open(QIODevice::ReadWrite));
             file.write(QByteArray(bytes.size(), '('));
         }
-        QVERIFY(process.waitForFinished());
+        QVERIFY(process.state() == QProcess::NotRunning || process.waitForFinished());
         QCOMPARE(process.exitStatus(), QProcess::NormalExit);
         // What was written before the cut is whole; what is left of the input can also be a sound
         // file of fewer pages or none.
