@@ -29,9 +29,10 @@ int main(int argc, char *argv[])
     QCoreApplication::setApplicationName(QStringLiteral("sendrivo"));
     QCoreApplication::setApplicationVersion(QStringLiteral(SENDRIVO_VERSION));
     qInstallMessageHandler(customMessageHandler);
+    QuitOnSignal quitOnSignal;
     const PrivateTemporaryFolder temporaryFolder;
     const QApplication application(argc, argv);
-    const QuitOnSignal quitOnSignal;
+    quitOnSignal.connectToApplication();
     usePlugins();
     startLog();
     qDebug() << "Current path:" << QDir::currentPath() << "\n";

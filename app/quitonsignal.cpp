@@ -32,10 +32,16 @@ QuitOnSignal::QuitOnSignal()
 {
     if (pipe2(wakeUpPipe.data(), O_CLOEXEC | O_NONBLOCK) != 0)
         return;
-    auto *notifier = new QSocketNotifier(wakeUpPipe[0], QSocketNotifier::Read, this);
-    connect(notifier, &QSocketNotifier::activated, qApp, &QCoreApplication::quit);
     for (const int number : quitSignals)
         std::signal(number, wakeUp);
+}
+
+void QuitOnSignal::connectToApplication()
+{
+    if (wakeUpPipe[0] < 0)
+        return;
+    auto *notifier = new QSocketNotifier(wakeUpPipe[0], QSocketNotifier::Read, qApp);
+    QObject::connect(notifier, &QSocketNotifier::activated, qApp, &QCoreApplication::quit);
 }
 
 QuitOnSignal::~QuitOnSignal()
