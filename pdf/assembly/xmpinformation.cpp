@@ -3,6 +3,8 @@
 
 #include "pdf/assembly/documentoptions.h"
 
+#include <cstring>
+#include <optional>
 #include <string_view>
 
 namespace pdf {
@@ -44,44 +46,105 @@ std::string escaped(const std::string &text)
     return result;
 }
 
-/// Removes the property where it is an element, `<dc:title>...</dc:title>`.
-void removeElement(std::string &xmp, const std::string &name)
+bool isBlank(char c)
 {
-    const std::string end = "</" + name + ">";
-    for (std::size_t from = 0;;) {
-        const std::size_t begin = xmp.find("<" + name, from);
-        if (begin == std::string::npos)
+    return std::string_view(" \t\r\n").find(c) != std::string_view::npos;
+}
+
+/// A start tag or the tag of an empty element.
+struct Tag
+{
+    std::size_t begin = 0;
+    std::size_t behindName = 0;
+    std::size_t end = 0; ///< behind its ">"
+};
+
+std::size_t behind(const std::string &xmp, const char *text, std::size_t from)
+{
+    const std::size_t found = xmp.find(text, from);
+    return found == std::string::npos ? found : found + std::strlen(text);
+}
+
+/// Behind the ">" of the tag; there can be one in the value of an attribute, too.
+std::size_t behindTag(const std::string &xmp, std::size_t from)
+{
+    char quote = '\0';
+    for (std::size_t i = from; i < xmp.size(); ++i) {
+        if (quote != '\0')
+            quote = xmp[i] == quote ? '\0' : quote;
+        else if (xmp[i] == '"' || xmp[i] == '\'')
+            quote = xmp[i];
+        else if (xmp[i] == '>')
+            return i + 1;
+    }
+    return std::string::npos;
+}
+
+/// The next tag from a place outside of tags on; nothing behind the last one, or where the rest is
+/// no XML.
+std::optional<Tag> nextTag(const std::string &xmp, std::size_t from)
+{
+    while (from != std::string::npos && (from = xmp.find('<', from)) != std::string::npos) {
+        const auto startsWith = [&](const char *text) {
+            return xmp.compare(from, std::strlen(text), text) == 0;
+        };
+        if (startsWith("<!--")) {
+            from = behind(xmp, "-->", from);
+        } else if (startsWith("<![CDATA[")) {
+            from = behind(xmp, "]]>", from);
+        } else if (startsWith("<?")) {
+            from = behind(xmp, "?>", from);
+        } else if (startsWith("</") || startsWith("<!")) {
+            from = behind(xmp, ">", from);
+        } else {
+            const std::size_t end = behindTag(xmp, from);
+            if (end == std::string::npos)
+                return std::nullopt;
+            return Tag{from, xmp.find_first_of(" \t\r\n/>", from), end};
+        }
+    }
+    return std::nullopt;
+}
+
+/// Removes the attribute, `pdf:Producer="..."`, from the tag if it is there.
+void removeAttribute(std::string &xmp, Tag &tag, const std::string &name)
+{
+    for (std::size_t i = tag.behindName; i < tag.end;) {
+        const std::size_t begin = i;
+        while (isBlank(xmp[i]))
+            ++i;
+        const std::size_t nameBegin = i;
+        i = xmp.find_first_of(" \t\r\n=/>", i);
+        const bool isIt = xmp.compare(nameBegin, i - nameBegin, name) == 0;
+        const std::size_t quote = xmp.find_first_not_of(" \t\r\n=", i);
+        if (quote >= tag.end || (xmp[quote] != '"' && xmp[quote] != '\''))
             return;
-        const std::size_t behindName = begin + 1 + name.size();
-        const std::size_t bracket = xmp.find('>', behindName);
-        if (bracket == std::string::npos)
+        i = xmp.find(xmp[quote], quote + 1) + 1;
+        if (isIt) {
+            xmp.erase(begin, i - begin);
+            tag.end -= i - begin;
             return;
-        from = behindName;
-        if (std::string_view(" \t\r\n/>").find(xmp[behindName]) == std::string_view::npos)
-            continue; // a longer name
-        const bool isEmpty = xmp[bracket - 1] == '/';
-        const std::size_t close = isEmpty ? bracket : xmp.find(end, bracket);
-        if (close == std::string::npos)
-            return;
-        xmp.erase(begin, (isEmpty ? bracket + 1 : close + end.size()) - begin);
-        from = begin;
+        }
     }
 }
 
-/// Removes the property where it is an attribute, `pdf:Producer="..."`.
-void removeAttribute(std::string &xmp, const std::string &name)
+/// Removes the property where it is an element, `<dc:title>...</dc:title>`, or an attribute.
+void removeProperty(std::string &xmp, const std::string &name)
 {
-    for (std::size_t from = 0;;) {
-        const std::size_t begin = xmp.find(name + "=", from);
-        if (begin == std::string::npos)
-            return;
-        const std::size_t quote = begin + name.size() + 1;
-        const std::size_t end =
-            quote < xmp.size() ? xmp.find(xmp[quote], quote + 1) : std::string::npos;
+    std::size_t from = 0;
+    while (std::optional<Tag> tag = nextTag(xmp, from)) {
+        from = tag->begin;
+        if (xmp.compare(tag->begin + 1, tag->behindName - tag->begin - 1, name) != 0) {
+            removeAttribute(xmp, *tag, name);
+            from = tag->end;
+            continue;
+        }
+        const bool isEmpty = xmp[tag->end - 2] == '/';
+        const std::size_t close = isEmpty ? tag->end : behind(xmp, ("</" + name).c_str(), tag->end);
+        const std::size_t end = isEmpty ? close : behind(xmp, ">", close);
         if (end == std::string::npos)
             return;
-        xmp.erase(begin, end + 1 - begin);
-        from = begin;
+        xmp.erase(tag->begin, end - tag->begin);
     }
 }
 
@@ -101,8 +164,7 @@ std::string xmpWithInformation(const std::string &xmp,
         const auto entry = information.find(property.key);
         if (entry == information.end())
             continue;
-        removeElement(result, property.name);
-        removeAttribute(result, property.name);
+        removeProperty(result, property.name);
         description += std::string("<") + property.name + ">" + property.before +
                        escaped(entry->second) + property.after + "</" + property.name + ">";
     }
