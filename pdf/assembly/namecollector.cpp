@@ -3,6 +3,8 @@
 
 #include "pdf/assembly/namecollector.h"
 
+#include "pdf/document/syntax.h"
+
 #include <cstring>
 #include <stdexcept>
 
@@ -15,13 +17,6 @@ constexpr std::size_t maximalContents = std::size_t{1} << 28;
 /// Longest name a file may hold is 127 bytes (ISO 32000-1, annex C), each possibly written as
 /// three.
 constexpr std::size_t maximalName = 1024;
-
-bool endsName(char c)
-{
-    static constexpr char ends[] = {'\0', '\t', '\n', '\f', '\r', ' ', '(', ')',
-                                    '<',  '>',  '[',  ']',  '{',  '}', '/', '%'};
-    return std::memchr(ends, c, sizeof ends) != nullptr;
-}
 
 int hexDigit(char c)
 {
@@ -48,7 +43,7 @@ void NameCollector::write(const unsigned char *data, std::size_t length)
             at = static_cast<const char *>(slash) + 1;
             isInName = true;
         }
-        while (at < end && !endsName(*at))
+        while (at < end && isRegular(*at))
             current += *at++;
         if (at < end || current.size() > maximalName)
             endName();

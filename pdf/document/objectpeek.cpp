@@ -219,6 +219,15 @@ bool visitIndirectEntries(std::string_view file, std::size_t offset, QPDFObjGen 
            scanner.keyword("endobj");
 }
 
+/// A visitor that takes everything.
+auto addTo(RawEntries &entries)
+{
+    return [&entries](std::string_view key, std::string_view value) {
+        entries.emplace_back(key, value);
+        return true;
+    };
+}
+
 } // namespace
 
 std::optional<PeekedNode> peekIndirectObject(std::string_view file, std::size_t offset,
@@ -247,23 +256,16 @@ std::optional<RawEntries> peekIndirectEntries(std::string_view file, std::size_t
                                               QPDFObjGen object)
 {
     RawEntries entries;
-    const auto add = [&entries](std::string_view key, std::string_view value) {
-        entries.emplace_back(key, value);
-        return true;
-    };
-    return visitIndirectEntries(file, offset, object, add) ? std::optional(std::move(entries))
-                                                           : std::nullopt;
+    return visitIndirectEntries(file, offset, object, addTo(entries))
+               ? std::optional(std::move(entries))
+               : std::nullopt;
 }
 
 std::optional<RawEntries> rawEntries(std::string_view dictionary)
 {
     RawEntries entries;
     Scanner scanner(dictionary);
-    const auto add = [&entries](std::string_view key, std::string_view value) {
-        entries.emplace_back(key, value);
-        return true;
-    };
-    return visitEntries(scanner, add) ? std::optional(std::move(entries)) : std::nullopt;
+    return visitEntries(scanner, addTo(entries)) ? std::optional(std::move(entries)) : std::nullopt;
 }
 
 std::string_view rawValue(const RawEntries &entries, std::string_view key)

@@ -9,8 +9,9 @@
 namespace pdf {
 
 /// A file that appears under its name only when it is complete. Until publish() the bytes lie in a
-/// nameless file of the target folder (a hidden, named one where the file system knows no nameless
-/// files), so a tool that is killed leaves neither half a result nor litter.
+/// nameless file of the target folder, so a tool that is killed leaves neither half a result nor
+/// litter. Where the file system knows no nameless files it is a hidden, named one, which stays
+/// when the tool is killed.
 class OutputFile
 {
 public:
