@@ -95,14 +95,17 @@ void TestMerge::keepsItsPagesOnly_data()
     QTest::addColumn<QString>("ranges");
     QTest::addColumn<QString>("pages");
     QTest::addColumn<QString>("labels");
-    const auto row = [](const char *name, const char *ranges, const char *pages,
-                        const char *labels) {
-        QTest::newRow(name) << QString(ranges) << QString(pages) << QString(labels);
+    QTest::addColumn<QByteArray>("key"); // that the input lacks
+    const auto row = [](const char *name, const char *ranges, const char *pages, const char *labels,
+                        const char *key = "/Missing") {
+        QTest::newRow(name) << QString(ranges) << QString(pages) << QString(labels)
+                            << QByteArray(key);
     };
     row("first page", "1", "1", "label1i");
     row("page in the middle", "3", "3", "label3iii");
     row("range", "2-4", "234", "label2ii label3iii label4iv");
     row("another order", "5 1-2", "512", "label5v label1i label2ii");
+    row("tags that nothing leads to", "2-3", "23", "label2ii label3iii", "/ParentTree");
     row("all", "1-5", "12345", "label1i label2ii label3iii label4iv label5v");
 }
 
@@ -111,7 +114,8 @@ void TestMerge::keepsItsPagesOnly()
     QFETCH(QString, ranges);
     QFETCH(QString, pages);
     QFETCH(QString, labels);
-    const MergeRun run(MarkedPdf(5).bytes(), ranges);
+    QFETCH(QByteArray, key);
+    const MergeRun run(MarkedPdf(5).bytes().replace(key, "/Other     "), ranges);
     QCOMPARE(pdfreader::complaints(run.input), QString());
     QCOMPARE(run.result.errors, QByteArray());
     QCOMPARE(run.result.exitCode, 0);

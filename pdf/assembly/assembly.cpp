@@ -148,7 +148,11 @@ private:
         catalog.replaceKey("/PageLabels", copyPageLabels(copier, indexes));
         catalog.replaceKey("/AcroForm", fields.formDictionary(
                                             resources.copyFormDefaults(fields.defaultResources())));
-        catalog.replaceKey("/StructTreeRoot", StructureCopier(document, copier).copyTree());
+        const QPDFObjectHandle structure = StructureCopier(document, copier).copyTree();
+        catalog.replaceKey("/StructTreeRoot", structure);
+        // Else it would claim tags where there are none.
+        if (QPDFObjectHandle(structure).isNull())
+            catalog.removeKey("/MarkInfo");
         catalog.replaceKey("/Outlines",
                            OutlineCopier(document, copier, destinations).copyOutline());
         copyNames(copier, destinations);

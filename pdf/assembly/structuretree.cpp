@@ -3,6 +3,7 @@
 
 #include "pdf/assembly/structuretree.h"
 
+#include "pdf/assembly/contentparents.h"
 #include "pdf/assembly/keytree.h"
 
 #include <set>
@@ -67,11 +68,15 @@ QPDFObjectHandle StructureCopier::copyTree()
 QPDFObjectHandle StructureCopier::copyParentTree(const QPDFObjectHandle &sourceTree)
 {
     KeyTree tree(sourceTree, KeyTree::Kind::Numbers);
+    const bool isMissing = !QPDFObjectHandle(sourceTree).isDictionary();
+    std::map<long long, QPDFObjectHandle> found;
+    if (isMissing)
+        found = contentParents(sourceRoot);
     QPDFObjectHandle numbers = QPDFObjectHandle::newArray();
     // Elements can refer to streams that are copied only with them and are tagged themselves.
     for (std::size_t i = 0; i < copier.structureKeys().size(); ++i) {
-        QPDFObjectHandle entry =
-            copyParentEntry(tree.find(static_cast<long long>(copier.structureKeys()[i])));
+        const auto key = static_cast<long long>(copier.structureKeys()[i]);
+        QPDFObjectHandle entry = copyParentEntry(isMissing ? found[key] : tree.find(key));
         if (!isEmpty(entry)) {
             numbers.appendItem(QPDFObjectHandle::newInteger(static_cast<long long>(i)));
             numbers.appendItem(entry);
