@@ -299,6 +299,12 @@ void TestLayout::fragmentTexts_data()
         {"offic"});
     row("ligature as several characters", mappedPdf(mappedLine("ab"), {"00660069", "006E"}),
         {"fin"});
+    // Each of the codes a to f in a word, with what the map adds to its letter.
+    row("letters beside blanks and what leaves no trace",
+        mappedPdf(
+            mappedLine("XaX XbX XcX XdX XeX Xf"),
+            {"FEFF0041", "00200042", "004300A0", "0044000A0045", "030500460046", "0047FEFF0020"}),
+        {QString::fromUtf8("XAX X BX XC X XD EX XF̅FX XG")});
     row("no-break and other blanks",
         mappedPdf(mappedLine("abcdcec"), {"0041", "00A0", "0042", "2009", "3000"}), {"A B B B"});
     row("soft hyphen", mappedPdf(mappedLine("abc"), {"0041", "00AD", "0042"}), {"A-B"});

@@ -3,6 +3,8 @@
 
 #include "pdf/layout/fontglyphs.h"
 
+#include "pdf/layout/characters.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -18,6 +20,19 @@ bool readsSingleBytes(const pdf_cmap *encoding)
 {
     return encoding->codespace_len == 1 && encoding->codespace[0].n == 1 &&
            encoding->codespace[0].low == 0 && encoding->codespace[0].high == 0xFF;
+}
+
+/// Leaves what is read of several characters: none without a trace, one blank between others, and
+/// the letter before its marks, wherever the font's map puts it.
+void tidy(FontGlyph &entry)
+{
+    char32_t *const begin = entry.characters;
+    char32_t *end = std::remove_if(begin, begin + entry.count, isDropped);
+    end = std::unique(begin, end, [](char32_t a, char32_t b) { return isBlank(a) && isBlank(b); });
+    char32_t *const letter = std::find_if_not(begin, end, isMark);
+    if (letter != end && !isBlank(*letter))
+        std::rotate(begin, letter, letter + 1);
+    entry.count = std::max(1, static_cast<int>(end - begin));
 }
 
 } // namespace
@@ -91,6 +106,8 @@ void FontGlyphs::fillCharacters(FontGlyph &entry, int cid) const
     for (int i = 0; i < count; ++i)
         entry.characters[i] = static_cast<char32_t>(characters[i]);
     entry.count = count;
+    if (count > 1)
+        tidy(entry);
 }
 
 FontGlyphs *FontStore::glyphs(pdf_font_desc *font)

@@ -24,7 +24,7 @@ struct FontGlyph
     double originX = 0;      ///< vertical writing: from the glyph's origin to the pen
     double originY = 0;
     int count = 0;                       ///< characters
-    char32_t characters[PDF_MRANGE_CAP]; ///< several for a ligature
+    char32_t characters[PDF_MRANGE_CAP]; ///< several for a ligature, no two blanks in a row
 };
 
 /// The glyphs of a font by their codes. Each is asked for once: a page shows the same fifty letters

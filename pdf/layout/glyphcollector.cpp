@@ -88,9 +88,13 @@ void GlyphCollector::show(const TextAxes &axes, const ShownGlyph &glyph)
     if (hasAccent)
         settleAccent(axes, glyph);
     if (glyph.isContinuation) {
-        if (!skipsContinuations && !isDropped(glyph.character)) {
+        if (skipsContinuations)
+            return;
+        if (isBlank(glyph.character)) {
+            showBlank(axes, glyph);
+        } else {
             const double end = runs.back().end();
-            runs.back().append({end, end, glyph.character, false, true});
+            runs.back().append({end, end, glyph.character, std::exchange(hasBlank, false), true});
         }
         return;
     }

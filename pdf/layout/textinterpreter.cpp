@@ -112,12 +112,19 @@ void TextInterpreter::showGlyph(const FontGlyph &glyph, Matrix place, const Text
     shown.y = place.f;
     shown.advance = glyph.advance;
     shown.character = glyph.characters[0];
+    int next = 1;
+    if (glyph.count > 1 && isBlank(shown.character)) {
+        ShownGlyph blank = shown;
+        blank.advance = 0;
+        collector->add(axes, blank);
+        shown.character = glyph.characters[next++];
+    }
     if (glyph.advance == 0 || isMark(shown.character))
         shown.toMiddle = wayToMiddle(glyph, place, axes);
     collector->add(axes, shown);
     shown.isContinuation = true;
-    for (int i = 1; i < glyph.count; ++i) {
-        shown.character = glyph.characters[i];
+    for (; next < glyph.count; ++next) {
+        shown.character = glyph.characters[next];
         collector->add(axes, shown);
     }
 }
