@@ -295,6 +295,13 @@ void TestLayout::fragmentTexts_data()
         {"fish"});
     row("letters that are drawings", drawnFontPdf("BT /F2 12 Tf 20 100 Td [(a) -300 (aa)] TJ ET"),
         {"A AA"});
+    row("widths that the font program does not have",
+        pageWithFont("BT /F2 12 Tf 20 100 Td (bab) Tj ET",
+                     [](PdfBuilder & /*file*/) {
+                         return QByteArray("<< /Type /Font /Subtype /Type1 /BaseFont /Helvetica "
+                                           "/FirstChar 97 /LastChar 98 /Widths [800 556] >>");
+                     }),
+        {"bab"});
     row("ligature as one character", mappedPdf(mappedLine("abc"), {"006F", "FB03", "0063"}),
         {"offic"});
     row("ligature as several characters", mappedPdf(mappedLine("ab"), {"00660069", "006E"}),

@@ -83,8 +83,13 @@ void FontGlyphs::fill(FontGlyph &entry) const
     } else {
         entry.penStep = pdf_lookup_hmtx(context, description, cid).w / unitsPerEm;
     }
-    entry.advance = static_cast<double>(
-        fz_advance_glyph(context, description->font, entry.glyph, isVertical() ? 1 : 0));
+    // The pen tells where the next letter is meant to be; programs may state wrong advances or
+    // none, and viewers do not look at them.
+    constexpr double widestEm = 4;
+    entry.advance = isVertical() ? -entry.penStep : entry.penStep;
+    if (!(entry.advance > 0 && entry.advance < widestEm))
+        entry.advance = static_cast<double>(
+            fz_advance_glyph(context, description->font, entry.glyph, isVertical() ? 1 : 0));
     fillCharacters(entry, cid);
 }
 

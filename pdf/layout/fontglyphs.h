@@ -20,7 +20,7 @@ struct FontGlyph
     unsigned codeLength = 0; ///< bytes in the string
     int glyph = 0;           ///< number in the font program
     double penStep = 0;      ///< way of the pen to the next glyph, as the document states it
-    double advance = 0;      ///< the same as the font program states it
+    double advance = 0;      ///< the same along the line, also where the document states nothing
     double originX = 0;      ///< vertical writing: from the glyph's origin to the pen
     double originY = 0;
     int count = 0;                       ///< characters
