@@ -18,6 +18,7 @@ namespace pdf {
 namespace {
 
 constexpr double ascentEm = 0.8;
+
 /// Adds each mark to the nearest line that has a letter for it, no line height away; one without a
 /// letter stands alone.
 void addMarks(std::vector<GlyphRun> &lines, const std::vector<GlyphRun> &marks)

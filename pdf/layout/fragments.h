@@ -12,10 +12,11 @@ namespace pdf {
 
 /// The fragments of a page from its runs of glyphs, in reading order: by top, then by left.
 ///
-/// Runs on one baseline are joined wherever they were drawn in, unless there is a gap of more than
-/// about 0.7 em between them; raised and lowered small letters go into the line that they stand in.
-/// What is drawn twice in nearly the same place is taken once. Marks go to the letters that they
-/// stand on.
+/// Runs on one baseline are joined, in whatever order they were drawn, unless there is a gap of
+/// more than 0.7 em between them, 0.95 em behind a sentence, 1.05 em where a blank is shown, each
+/// widened by twice the letter spacing; raised and lowered small letters go into the line that they
+/// stand in. What is drawn twice in nearly the same place is taken once. Marks go to the letters
+/// that they stand on.
 [[nodiscard]] std::vector<Fragment> makeFragments(std::vector<GlyphRun> runs,
                                                   const std::vector<GlyphRun> &marks);
 
