@@ -153,6 +153,8 @@ void TestTextOperators::places_data()
         {"/OC /L BDC /Span BMC " + shown("(a) Tj") + "EMC /X Do EMC " + shown("0 -20 Td (b) Tj"),
          shown("(c) Tj")},
         {{30, 120, "b"}});
+    row("text behind a hidden one", {shown("/OC /L BDC (aa) Tj [-3000 (a)] TJ EMC (b) Tj")},
+        {{30 + 3 * a + 36, 100, "b"}});
     row("form on a hidden layer",
         {"/X Do " + shown("0 -20 Td (b) Tj"), shown("(c) Tj"), "/OC LAYER"}, {{30, 120, "b"}});
     row("annotation after contents that leave much open",

@@ -71,7 +71,7 @@ void TextInterpreter::movePen(double way)
     textMatrix.moveBy(isVertical ? 0 : way, isVertical ? way : 0);
 }
 
-void TextInterpreter::show(std::string_view string)
+void TextInterpreter::show(std::string_view string, bool isHidden)
 {
     const TextState &state = text();
     if (state.font == nullptr)
@@ -92,7 +92,8 @@ void TextInterpreter::show(std::string_view string)
         if (glyph.isShown) {
             place.e = start.e + way * stepX;
             place.f = start.f + way * stepY;
-            showGlyph(glyph, place, axes);
+            if (!isHidden)
+                showGlyph(glyph, place, axes);
             way += (glyph.penStep * state.size + state.characterSpacing) * scaleAlong;
         }
         // ISO 32000-1, 9.3.3: word spacing goes with the single byte 32, whatever it shows.

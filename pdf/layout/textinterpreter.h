@@ -36,7 +36,7 @@ public:
         /// What the pen's way is stretched by: in vertical writing, nothing.
         [[nodiscard]] double scaleAlong() const { return isVertical() ? 1 : horizontalScale; }
     };
-    /// What a stream, a page's contents or a form, as it was.
+    /// What a stream (a page's contents or a form) finds, and leaves to the one around it.
     struct Surroundings
     {
         std::size_t lowestState = 0;
@@ -65,7 +65,8 @@ public:
     void moveToNextLine() { moveLine(0, -text().leading); }
     /// Moves the pen against the writing direction, by thousandths of an em.
     void moveBack(double thousandths);
-    void show(std::string_view string);
+    /// What is hidden moves the pen only.
+    void show(std::string_view string, bool isHidden);
 
     [[nodiscard]] Surroundings enterForm(const Matrix &matrix);
     void leaveForm(const Surroundings &around);

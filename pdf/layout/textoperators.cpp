@@ -121,8 +121,8 @@ void nextLine(fz_context * /*context*/, pdf_processor *processor)
 
 void Tj(fz_context *context, pdf_processor *processor, char *string, std::size_t length)
 {
-    if (processor->hidden == 0)
-        perform(context, processor, [&] { interpreterOf(processor).show({string, length}); });
+    const bool isHidden = processor->hidden != 0;
+    perform(context, processor, [&] { interpreterOf(processor).show({string, length}, isHidden); });
 }
 
 void TJ(fz_context *context, pdf_processor *processor, pdf_obj *array)
