@@ -205,6 +205,11 @@ void TestLayout::fragmentTexts_data()
     row("wide space behind a sentence", inHelvetica("[(\"It is.\") -900 (So)] TJ"),
         {"\"It is.\" So"});
     row("letters far apart", inHelvetica("8 Tc (TAX NO) Tj"), {"TAX NO"});
+    row("letters far apart, placed one by one", inHelvetica("[(I)-900(B)-900(A)-900(N)] TJ"),
+        {"IBAN"});
+    row("letters as column heads",
+        inHelvetica("(A) Tj 15 0 Td (B) Tj 15 0 Td (C) Tj 15 0 Td (D) Tj"), {"A", "B", "C", "D"});
+    row("digits in columns", inHelvetica("[(1)-900(2)-900(3)-900(4)] TJ"), {"1", "2", "3", "4"});
     row("column gap by movement", inHelvetica("[(Label) -750 (Value)] TJ"), {"Label", "Value"});
     row("two columns side by side",
         simplePdf({showText(20, 100, "Label", 10) + showText(52.5, 100, "Value", 10)}),

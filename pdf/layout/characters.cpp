@@ -113,6 +113,12 @@ std::u32string toNfc(const std::u32string &text)
 
 } // namespace
 
+bool isLetter(char32_t c)
+{
+    const int category = ucdn_get_general_category(c);
+    return category >= UCDN_GENERAL_CATEGORY_LL && category <= UCDN_GENERAL_CATEGORY_LU;
+}
+
 bool isMark(char32_t c)
 {
     return c >= 0x300 && ucdn_get_combining_class(c) != 0;

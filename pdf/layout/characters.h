@@ -21,6 +21,9 @@ namespace pdf {
 /// blanks, byte order marks, marks of the writing direction.
 [[nodiscard]] bool isDropped(char32_t character);
 
+/// Whether the character is a letter of any script, no digit or sign.
+[[nodiscard]] bool isLetter(char32_t character);
+
 /// Whether the character is drawn onto the letter before it (an accent, a vowel point).
 [[nodiscard]] bool isMark(char32_t character);
 

@@ -196,6 +196,7 @@ void GlyphCollector::place(const Baseline &line, const PlacedGlyph &glyph)
         GlyphRun run;
         run.line = line;
         run.order = static_cast<int>(runs.size());
+        run.string = strings;
         runs.push_back(std::move(run));
     }
     PlacedGlyph placed = glyph;

@@ -43,6 +43,8 @@ public:
     /// Glyphs whose middle lies outside of width x height pixels are left out.
     GlyphCollector(double pageWidth, double pageHeight) : width(pageWidth), height(pageHeight) {}
 
+    /// The glyphs that follow are those of another string.
+    void beginString() { ++strings; }
     void add(const TextAxes &axes, const ShownGlyph &glyph);
 
     /// Between these two the glyphs show a text that the document states apart from them
@@ -80,6 +82,7 @@ private:
     double height;
     std::vector<GlyphRun> runs;
     std::vector<GlyphRun> marks;
+    int strings = 0;
     bool hasBlank = false;
     double blankX = 0; ///< pen position of the last blank
     double blankY = 0;

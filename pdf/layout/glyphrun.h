@@ -40,7 +40,8 @@ class GlyphRun
 public:
     Baseline line;
     std::vector<PlacedGlyph> glyphs;
-    int order = 0; ///< number of the run in the order of drawing
+    int order = 0;  ///< number of the run in the order of drawing
+    int string = 0; ///< number of the string that shows the first glyph
 
     [[nodiscard]] double start() const { return glyphs.front().start; }
     [[nodiscard]] double end() const { return glyphs.back().end; }

@@ -3,6 +3,8 @@
 
 #include "pdf/layout/lines.h"
 
+#include "pdf/layout/characters.h"
+
 #include <algorithm>
 #include <cmath>
 #include <tuple>
@@ -84,29 +86,46 @@ public:
         }
         if (count > 0 && isContinuedBy(joined.back(), run)) {
             joined.back().append(run);
-        } else if (count > 1 && isSpacedWord(run)) {
-            const GlyphRun middle = std::move(joined.back());
-            joined.pop_back();
-            joined.back().append(middle);
-            joined.back().append(run);
-        } else {
-            joined.push_back(std::move(run));
+            return;
         }
+        const std::size_t letters = spacedLettersBefore(run);
+        joined.push_back(std::move(run));
+        const auto first = joined.end() - 1 - static_cast<std::ptrdiff_t>(letters);
+        for (auto next = first + 1; next != joined.end(); ++next)
+            first->append(*next);
+        joined.erase(first + 1, joined.end());
     }
 
 private:
-    /// Whether the last two runs and this one are letters at equal distances.
-    [[nodiscard]] bool isSpacedWord(const GlyphRun &third) const
+    /// How many of the last runs are letters of one word with this one, at equal distances. Letters
+    /// of one string are. Letters that were placed one by one could as well be the cells of a
+    /// table, whose distances, with letters of different widths, are not that equal.
+    [[nodiscard]] std::size_t spacedLettersBefore(const GlyphRun &last) const
     {
         constexpr double widestEm = 1;
-        constexpr double noiseEm = 0.1;
-        const GlyphRun &first = joined[joined.size() - 2];
-        const GlyphRun &second = joined.back();
-        const double gap = second.start() - first.end();
-        const double nextGap = third.start() - second.end();
-        return first.glyphs.size() == 1 && second.glyphs.size() == 1 && third.glyphs.size() == 1 &&
-               gap <= widestEm * first.line.em &&
-               std::abs(gap - nextGap) <= noiseEm * first.line.em;
+        constexpr double noiseEm = 0.03;
+        constexpr std::size_t fewestOfString = 2;
+        constexpr std::size_t fewestPlaced = 3;
+        const std::size_t count = std::min(joined.size() - begin, fewestPlaced);
+        if (count < fewestOfString || last.glyphs.size() != 1)
+            return 0;
+        const double em = last.line.em;
+        const double gap = last.start() - joined.back().end();
+        bool isOfString = gap <= widestEm * em;
+        bool isPlaced = isOfString;
+        const GlyphRun *next = &last;
+        for (std::size_t i = 1; i <= count; ++i) {
+            const GlyphRun &run = joined[joined.size() - i];
+            if (run.glyphs.size() != 1 || std::abs(next->start() - run.end() - gap) > noiseEm * em)
+                return 0;
+            isOfString = isOfString && run.string == last.string;
+            isPlaced = isPlaced && run.order + 1 == next->order && run.line.em == em &&
+                       isLetter(run.glyphs[0].character);
+            if (i == fewestOfString && isOfString)
+                return i;
+            next = &run;
+        }
+        return isPlaced && isLetter(last.glyphs[0].character) && count == fewestPlaced ? count : 0;
     }
 
     std::vector<GlyphRun> &joined;

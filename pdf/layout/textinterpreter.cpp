@@ -85,6 +85,7 @@ void TextInterpreter::show(std::string_view string, bool isHidden)
     const double stepX = isVertical ? textToPixels.c : textToPixels.a;
     const double stepY = isVertical ? textToPixels.d : textToPixels.b;
     const double scaleAlong = state.scaleAlong();
+    collector->beginString();
     double way = 0;
     Matrix place = start;
     while (!string.empty()) {
