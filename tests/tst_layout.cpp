@@ -205,6 +205,10 @@ void TestLayout::fragmentTexts_data()
     row("wide space behind a sentence", inHelvetica("[(\"It is.\") -900 (So)] TJ"),
         {"\"It is.\" So"});
     row("letters far apart", inHelvetica("8 Tc (TAX NO) Tj"), {"TAX NO"});
+    row("a line not level with a text far along it",
+        simplePdf({showText(20, 100, "No.") + showText(44, 98.6, "INV-0042") +
+                   showText(200, 101, "Urgent")}),
+        {"Urgent", "No. INV-0042"});
     row("letters far apart, placed one by one", inHelvetica("[(I)-900(B)-900(A)-900(N)] TJ"),
         {"IBAN"});
     row("letters as column heads",

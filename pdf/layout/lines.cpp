@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <tuple>
 #include <utility>
 
@@ -22,21 +23,65 @@ constexpr double sameLineSizes = 0.15;
 struct SortedRun
 {
     int direction;
-    double position; ///< across the line, later along it
+    double lineAcross; ///< of the line's first run, the run's own while the line is not known
+    int line;          ///< order of the line's first run
+    double start;
     GlyphRun *run;
 };
 
 bool isBefore(const SortedRun &a, const SortedRun &b)
 {
-    return std::tie(a.direction, a.position, a.run->order) <
-           std::tie(b.direction, b.position, b.run->order);
+    return std::tie(a.direction, a.lineAcross, a.line, a.start, a.run->order) <
+           std::tie(b.direction, b.lineAcross, b.line, b.start, b.run->order);
 }
 
-bool isOnSameLine(const SortedRun &a, const SortedRun &b)
+using Sorted = std::vector<SortedRun>;
+
+/// The end of the runs whose baselines follow each other so closely that some of them may share a
+/// line.
+Sorted::iterator endOfNear(Sorted::iterator begin, Sorted::iterator end)
 {
-    const double smaller = std::min(a.run->line.size, b.run->line.size);
-    return a.direction == b.direction &&
-           std::abs(a.run->line.across - b.run->line.across) <= sameLineSizes * smaller;
+    double largest = begin->run->line.size;
+    auto next = begin + 1;
+    for (; next != end && next->direction == begin->direction; ++next) {
+        largest = std::max(largest, next->run->line.size);
+        if (next->lineAcross - std::prev(next)->lineAcross > sameLineSizes * largest)
+            break;
+    }
+    return next;
+}
+
+bool isOnLineOf(const Baseline &a, const Baseline &b)
+{
+    return std::abs(a.across - b.across) <= sameLineSizes * std::min(a.size, b.size);
+}
+
+/// Sorts near runs into lines. A run shares the line of the one before it that it is level with;
+/// what stands elsewhere on the line has no say, or a field would be grouped by its neighbours.
+void sortIntoLines(Sorted::iterator begin, Sorted::iterator end)
+{
+    // So many runs farther left is far away; looking at all of them would take their square.
+    constexpr std::ptrdiff_t farthest = 64;
+    for (auto entry = begin; entry != end; ++entry) {
+        entry->lineAcross = 0;
+        entry->line = 0;
+    }
+    std::sort(begin, end, isBefore);
+    for (auto entry = begin; entry != end; ++entry) {
+        const Baseline &baseline = entry->run->line;
+        entry->lineAcross = baseline.across;
+        entry->line = entry->run->order;
+        const auto first = entry - std::min(farthest, entry - begin);
+        for (auto before = entry; before != first;) {
+            --before;
+            if (isOnLineOf(before->run->line, baseline)) {
+                entry->lineAcross = before->lineAcross;
+                entry->line = before->line;
+                break;
+            }
+        }
+    }
+    std::sort(begin, end, isBefore);
 }
 
 /// Removes from later the glyphs that earlier shows in the same place. A letter or two among others
@@ -161,26 +206,23 @@ bool isContinuedBy(const GlyphRun &run, const GlyphRun &next)
 
 Lines joinLines(std::vector<GlyphRun> runs)
 {
-    std::vector<SortedRun> sorted;
+    Sorted sorted;
     sorted.reserve(runs.size());
     for (GlyphRun &run : runs)
-        sorted.push_back({directionKey(run.line), run.line.across, &run});
+        sorted.push_back({directionKey(run.line), run.line.across, 0, run.start(), &run});
     std::sort(sorted.begin(), sorted.end(), isBefore);
     Lines lines;
     lines.runs.reserve(runs.size());
-    for (auto begin = sorted.begin(); begin != sorted.end();) {
-        const SortedRun first = *begin;
-        const auto end = std::find_if_not(begin, sorted.end(), [&](const SortedRun &entry) {
-            return isOnSameLine(first, entry);
-        });
-        for (auto entry = begin; entry != end; ++entry)
-            entry->position = entry->run->start();
-        std::sort(begin, end, isBefore);
-        lines.begins.push_back(lines.runs.size());
-        LineJoiner line(lines.runs);
-        for (auto entry = begin; entry != end; ++entry)
-            line.add(std::move(*entry->run));
-        begin = end;
+    for (auto near = sorted.begin(); near != sorted.end();) {
+        const auto end = endOfNear(near, sorted.end());
+        sortIntoLines(near, end);
+        while (near != end) {
+            const SortedRun first = *near;
+            lines.begins.push_back(lines.runs.size());
+            LineJoiner line(lines.runs);
+            for (; near != end && near->line == first.line; ++near)
+                line.add(std::move(*near->run));
+        }
     }
     lines.begins.push_back(lines.runs.size());
     return lines;
