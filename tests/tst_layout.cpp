@@ -165,12 +165,14 @@ QByteArray formAndAnnotation(const QByteArray &form, const QByteArray &entries,
                                " >> >>"));
 }
 
-/// As /F2 a font whose letter "a" is a drawing, of half an em and as wide.
-QByteArray drawnFontPdf(const QByteArray &contents)
+/// As /F2 a font whose letter "a" is a drawing, ten units high and wide.
+QByteArray drawnFontPdf(const QByteArray &contents, const QByteArray &unit = "0.05",
+                        const QByteArray &box = "0 0 10 10")
 {
-    return pageWithFont(contents, [](PdfBuilder &file) {
-        return "<< /Type /Font /Subtype /Type3 /FontBBox [0 0 10 10] /FontMatrix [0.05 0 0 0.05 0 "
-               "0] /FirstChar 97 /LastChar 97 /Widths [10] /Encoding << /Differences [97 /a] >> "
+    return pageWithFont(contents, [&](PdfBuilder &file) {
+        return "<< /Type /Font /Subtype /Type3 /FontBBox [" + box + "] /FontMatrix [" + unit +
+               " 0 0 " + unit +
+               " 0 0] /FirstChar 97 /LastChar 97 /Widths [10] /Encoding << /Differences [97 /a] >> "
                "/CharProcs << /a " +
                PdfBuilder::ref(file.addStream("10 0 0 0 10 10 d1 0 0 10 10 re f")) +
                " >> /ToUnicode " + PdfBuilder::ref(addUnicodeMap(file, "FF", 'a', {"0041"})) +
@@ -304,6 +306,9 @@ void TestLayout::fragmentTexts_data()
         {"fish"});
     row("letters that are drawings", drawnFontPdf("BT /F2 12 Tf 20 100 Td [(a) -300 (aa)] TJ ET"),
         {"A AA"});
+    const QByteArray ofPixels = "BT /F2 1 Tf 20 100 Td [(a) -4000 (aa) 1000 (a)] TJ ET";
+    row("letters in pixels", drawnFontPdf(ofPixels, "1"), {"A AAA"});
+    row("letters in pixels without a box", drawnFontPdf(ofPixels, "1", "0 0 1 1"), {"A AAA"});
     row("widths that the font program does not have",
         pageWithFont("BT /F2 12 Tf 20 100 Td (bab) Tj ET",
                      [](PdfBuilder & /*file*/) {
@@ -478,6 +483,13 @@ void TestLayout::cornerDoesNotDependOnText()
         QCOMPARE(fragments.size(), std::size_t{1});
         QCOMPARE(QPoint(fragments[0].left, fragments[0].top), QPoint(40, 121));
         QCOMPARE(fragments[0].height, 16);
+    }
+    for (const char *box : {"0 0 10 7", "0 -3 10 8", "0 -3 10 12"}) {
+        const auto fragments =
+            fragmentsOf(drawnFontPdf("BT /F2 1 Tf 20 100 Td (a) Tj ET", "1", box));
+        QCOMPARE(fragments.size(), std::size_t{1});
+        QCOMPARE(QRect(fragments[0].left, fragments[0].top, 0, fragments[0].height),
+                 QRect(27, 125, 0, 11));
     }
 }
 

@@ -6,6 +6,7 @@
 #include "pdf/layout/characters.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace pdf {
@@ -20,6 +21,31 @@ bool readsSingleBytes(const pdf_cmap *encoding)
 {
     return encoding->codespace_len == 1 && encoding->codespace[0].n == 1 &&
            encoding->codespace[0].low == 0 && encoding->codespace[0].high == 0xFF;
+}
+
+/// The size of the letters of a font of size 1. Fonts of drawings may have any: those made of
+/// pixels often count in these and are used at the size of one.
+double letterSize(fz_context *context, const pdf_font_desc *description)
+{
+    constexpr double usual = 3; // what letters differ by where the size is meant to be theirs
+    constexpr double unitsPerEm = 1000;
+    if (description->font->t3procs == nullptr)
+        return 1;
+    int widest = 0;
+    for (int i = 0; i < description->hmtx_len; ++i)
+        widest = std::max(widest, description->hmtx[i].w);
+    // The box may be missing or wrong, and is as high as all letters together where it is right.
+    const fz_rect box = fz_font_bbox(context, description->font);
+    const double width = widest / unitsPerEm;
+    const double size = std::clamp(static_cast<double>(box.y1 - box.y0), width, 4 * width);
+    return size > usual || (size > 0 && size < 1 / usual) ? size : 1;
+}
+
+/// The size rounded to a power of eight. The corner of a field must not depend on the letters that
+/// its font happens to have, and merged documents bring a font each for the same field.
+double roundedSize(double size)
+{
+    return std::exp2(3 * std::round(std::log2(size) / 3));
 }
 
 /// Leaves what is read of several characters: none without a trace, one blank between others, and
@@ -39,7 +65,8 @@ void tidy(FontGlyph &entry)
 
 FontGlyphs::FontGlyphs(fz_context *usedContext, pdf_font_desc *usedFont)
     : context(usedContext), description(usedFont),
-      hasByteCodes(readsSingleBytes(usedFont->encoding)), entries(byteCodes)
+      hasByteCodes(readsSingleBytes(usedFont->encoding)), entries(byteCodes),
+      em(letterSize(usedContext, usedFont)), boxHeight(roundedSize(em))
 {
     pdf_keep_font(context, description);
 }
@@ -90,6 +117,7 @@ void FontGlyphs::fill(FontGlyph &entry) const
     if (!(entry.advance > 0 && entry.advance < widestEm))
         entry.advance = static_cast<double>(
             fz_advance_glyph(context, description->font, entry.glyph, isVertical() ? 1 : 0));
+    entry.advance /= em;
     fillCharacters(entry, cid);
 }
 

@@ -19,8 +19,8 @@ struct FontGlyph
     unsigned code = 0;
     unsigned codeLength = 0; ///< bytes in the string
     int glyph = 0;           ///< number in the font program
-    double penStep = 0;      ///< way of the pen to the next glyph, as the document states it
-    double advance = 0;      ///< the same along the line, also where the document states nothing
+    double penStep = 0;      ///< way of the pen to the next glyph, in font sizes
+    double advance = 0;      ///< the same along the line in em, also where the document has none
     double originX = 0;      ///< vertical writing: from the glyph's origin to the pen
     double originY = 0;
     int count = 0;                       ///< characters
@@ -39,6 +39,10 @@ public:
 
     [[nodiscard]] pdf_font_desc *font() const { return description; }
     [[nodiscard]] bool isVertical() const { return description->wmode != 0; }
+    /// An em in font sizes: 1, but for some fonts whose letters are drawings.
+    [[nodiscard]] double emSize() const { return em; }
+    /// The height of the letters' boxes in font sizes: about an em.
+    [[nodiscard]] double boxSize() const { return boxHeight; }
 
     /// The glyph that the string starts with, which must not be empty. Valid until the next call.
     /// Throws MuPDF exceptions only.
@@ -61,6 +65,8 @@ private:
     pdf_font_desc *description;
     bool hasByteCodes;
     std::vector<FontGlyph> entries; ///< at the remainder of the code by their count
+    double em;
+    double boxHeight;
 };
 
 /// The fonts that a document's pages use, with what is known of their glyphs.

@@ -85,10 +85,10 @@ std::pair<double, double> extentAcross(const Baseline &line)
 {
     // Vertical writing: MuPDF gives the pen at the glyph's own origin, left of its middle.
     if (line.isVertical)
-        return {line.across - line.size, line.across};
+        return {line.across - line.boxSize, line.across};
     const double above = line.isMirrored ? ascentEm : -ascentEm;
     const double below = line.isMirrored ? ascentEm - 1 : 1 - ascentEm;
-    return std::minmax(line.across + above * line.size, line.across + below * line.size);
+    return std::minmax(line.across + above * line.boxSize, line.across + below * line.boxSize);
 }
 
 Fragment fragmentOf(const GlyphRun &run)

@@ -23,10 +23,11 @@ struct Baseline
 {
     double directionX = 1; ///< unit vector of the writing direction
     double directionY = 0;
-    double across = 0; ///< distance of the line from the origin, at right angles to the direction,
-                       ///< growing clockwise from it (downwards for upright text)
-    double size = 0;   ///< font size at right angles to the direction, in pixels
-    double em = 0;     ///< font size along the direction (differs in stretched text)
+    double across = 0;  ///< distance of the line from the origin, at right angles to the direction,
+                        ///< growing clockwise from it (downwards for upright text)
+    double size = 0;    ///< font size at right angles to the direction, in pixels
+    double boxSize = 0; ///< height of the box, as the size
+    double em = 0;      ///< font size along the direction (differs in stretched text)
     bool isVertical = false; ///< vertical writing: glyphs stand side by side across the direction
     bool isMirrored = false; ///< letters' tops point clockwise from the direction's right
 };

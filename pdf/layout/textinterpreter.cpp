@@ -80,8 +80,12 @@ void TextInterpreter::show(std::string_view string, bool isHidden)
     const Matrix font = {state.size * state.horizontalScale, 0, 0, state.size, 0, state.rise};
     const Matrix start = font.followedBy(textToPixels);
     const bool isVertical = state.isVertical();
-    const TextAxes axes = isVertical ? TextAxes(-start.c, -start.d, start.c, start.d, true)
-                                     : TextAxes(start.a, start.b, start.c, start.d, false);
+    const double em = state.font->emSize();
+    const double upX = start.c * em;
+    const double upY = start.d * em;
+    TextAxes axes = isVertical ? TextAxes(-upX, -upY, upX, upY, true)
+                               : TextAxes(start.a * em, start.b * em, upX, upY, false);
+    axes.line.boxSize = axes.line.size * state.font->boxSize() / em;
     const double stepX = isVertical ? textToPixels.c : textToPixels.a;
     const double stepY = isVertical ? textToPixels.d : textToPixels.b;
     const double scaleAlong = state.scaleAlong();
