@@ -320,6 +320,11 @@ void TestLayout::fragmentTexts_data()
         {"offic"});
     row("ligature as several characters", mappedPdf(mappedLine("ab"), {"00660069", "006E"}),
         {"fin"});
+    row("ligature drawn twice",
+        mappedPdf(
+            "BT /F2 12 Tf 20 100 Td (XaX) Tj 0.3 0 Td (XaX) Tj 0 20 Td (Xa) Tj 0.3 0 Td (Xa) Tj ET",
+            {"006600660069"}),
+        {"Xffi", "XffiX"});
     // Each of the codes a to f in a word, with what the map adds to its letter.
     row("letters beside blanks and what leaves no trace",
         mappedPdf(

@@ -101,10 +101,19 @@ void removeRepeated(const GlyphRun &earlier, GlyphRun &later)
         return false;
     };
     auto &glyphs = later.glyphs;
-    const auto count =
-        static_cast<std::size_t>(std::count_if(glyphs.begin(), glyphs.end(), isRepeated));
+    std::vector<PlacedGlyph> kept;
+    kept.reserve(glyphs.size());
+    bool isGone = false;
+    for (const PlacedGlyph &glyph : glyphs) {
+        // A ligature's further letters have no width to compare by; they go with the first one.
+        if (!glyph.isContinuation)
+            isGone = isRepeated(glyph);
+        if (!isGone)
+            kept.push_back(glyph);
+    }
+    const std::size_t count = glyphs.size() - kept.size();
     if (count >= fewestRepeated || 2 * count >= glyphs.size())
-        glyphs.erase(std::remove_if(glyphs.begin(), glyphs.end(), isRepeated), glyphs.end());
+        glyphs = std::move(kept);
 }
 
 /// Appends the runs of one line, which come by their starts, to those of its fragments.
