@@ -143,6 +143,10 @@ void TestTextOperators::places_data()
     row("text objects without an end", {"BT /F1 12 Tf 30 100 Td (a) Tj"}, {{30, 100, "a"}});
     row("form's matrix", {"1 0 0 1 5 5 cm /X Do", shown("(a) Tj"), "/Matrix [1 0 0 1 20 10]"},
         {{55, 85, "a"}});
+    row("beside form's box",
+        {"/X Do " + shown("260 20 Td (c) Tj"), shown("(a) Tj 280 0 Td (b) Tj"),
+         "/Matrix [1 0 0 1 -20 0]"},
+        {{10, 100, "a"}, {290, 80, "c"}});
     row("form leaves what it set",
         {"BT /F1 12 Tf 30 100 Td /X Do (a) Tj ET",
          "Q Q 1 0 0 1 50 50 cm BT /F1 24 Tf 9 9 Td q q /OC /L BDC /Span BMC"},

@@ -57,7 +57,7 @@ bool GlyphCollector::isOutside(const TextAxes &axes, const ShownGlyph &glyph) co
     const double half = glyph.advance / 2 * axes.line.em;
     const double x = glyph.x + half * axes.line.directionX + 0.3 * axes.upX;
     const double y = glyph.y + half * axes.line.directionY + 0.3 * axes.upY;
-    return !(x >= 0 && y >= 0 && x <= width && y <= height);
+    return !ClipBox{0, 0, width, height}.contains(x, y) || !axes.clip.contains(x, y);
 }
 
 bool GlyphCollector::isOnLastLine(const Baseline &line) const

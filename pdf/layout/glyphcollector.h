@@ -5,11 +5,26 @@
 
 #include "pdf/layout/glyphrun.h"
 
+#include <cmath>
 #include <string>
 #include <utility>
 #include <vector>
 
 namespace pdf {
+
+/// A rectangle in layout coordinates; all of the plane unless told.
+struct ClipBox
+{
+    double left = -HUGE_VAL;
+    double top = -HUGE_VAL;
+    double right = HUGE_VAL;
+    double bottom = HUGE_VAL;
+
+    [[nodiscard]] bool contains(double x, double y) const
+    {
+        return x >= left && y >= top && x <= right && y <= bottom;
+    }
+};
 
 /// What all glyphs of a piece of text share, in layout coordinates (see fragment.h).
 struct TextAxes
@@ -21,6 +36,7 @@ struct TextAxes
     Baseline line; ///< without its place
     double upX;
     double upY;
+    ClipBox clip; ///< what lies outside is not seen
 };
 
 /// A glyph as a page shows it, in layout coordinates.
@@ -40,7 +56,8 @@ struct ShownGlyph
 class GlyphCollector
 {
 public:
-    /// Glyphs whose middle lies outside of width x height pixels are left out.
+    /// Glyphs whose middle lies outside of width x height pixels, or of their clip box, are left
+    /// out.
     GlyphCollector(double pageWidth, double pageHeight) : width(pageWidth), height(pageHeight) {}
 
     /// The glyphs that follow are those of another string.

@@ -6,6 +6,7 @@
 #include "pdf/layout/characters.h"
 
 #include <algorithm>
+#include <cmath>
 #include <new>
 #include <utility>
 
@@ -86,6 +87,7 @@ void TextInterpreter::show(std::string_view string, bool isHidden)
     TextAxes axes = isVertical ? TextAxes(-upX, -upY, upX, upY, true)
                                : TextAxes(start.a * em, start.b * em, upX, upY, false);
     axes.line.boxSize = axes.line.size * state.font->boxSize() / em;
+    axes.clip = states.back().clip;
     const double stepX = isVertical ? textToPixels.c : textToPixels.a;
     const double stepY = isVertical ? textToPixels.d : textToPixels.b;
     const double scaleAlong = state.scaleAlong();
@@ -149,13 +151,37 @@ double TextInterpreter::wayToMiddle(const FontGlyph &glyph, const Matrix &place,
            static_cast<double>(box.y0 + box.y1) / 2 * axes.line.directionY;
 }
 
-TextInterpreter::Surroundings TextInterpreter::enterForm(const Matrix &matrix)
+TextInterpreter::Surroundings TextInterpreter::enterForm(const Matrix &matrix, const fz_rect &box)
 {
     const Surroundings around = {lowestState, markedDepth, textMatrix, lineMatrix};
     save();
     lowestState = states.size();
     transform(matrix);
+    if (!fz_is_empty_rect(box))
+        clip(box);
     return around;
+}
+
+/// Of a turned box the upright one around it counts.
+void TextInterpreter::clip(const fz_rect &box)
+{
+    const Matrix &toPixels = states.back().toPixels;
+    ClipBox seen = {HUGE_VAL, HUGE_VAL, -HUGE_VAL, -HUGE_VAL};
+    for (const float x : {box.x0, box.x1}) {
+        for (const float y : {box.y0, box.y1}) {
+            Matrix corner = toPixels;
+            corner.moveBy(static_cast<double>(x), static_cast<double>(y));
+            seen.left = std::min(seen.left, corner.e);
+            seen.right = std::max(seen.right, corner.e);
+            seen.top = std::min(seen.top, corner.f);
+            seen.bottom = std::max(seen.bottom, corner.f);
+        }
+    }
+    ClipBox &all = states.back().clip;
+    all.left = std::max(all.left, seen.left);
+    all.right = std::min(all.right, seen.right);
+    all.top = std::max(all.top, seen.top);
+    all.bottom = std::min(all.bottom, seen.bottom);
 }
 
 void TextInterpreter::leaveForm(const Surroundings &around)

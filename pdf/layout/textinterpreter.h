@@ -68,7 +68,8 @@ public:
     /// What is hidden moves the pen only.
     void show(std::string_view string, bool isHidden);
 
-    [[nodiscard]] Surroundings enterForm(const Matrix &matrix);
+    /// The box is what is seen of the form, in its own coordinates; an empty one says nothing.
+    [[nodiscard]] Surroundings enterForm(const Matrix &matrix, const fz_rect &box);
     void leaveForm(const Surroundings &around);
 
     void beginMarked() { ++markedDepth; }
@@ -81,8 +82,10 @@ private:
     {
         Matrix toPixels;
         TextState text;
+        ClipBox clip;
     };
 
+    void clip(const fz_rect &box);
     void movePen(double way);
     void showGlyph(const FontGlyph &glyph, Matrix place, const TextAxes &axes);
     [[nodiscard]] double wayToMiddle(const FontGlyph &glyph, const Matrix &place,

@@ -157,8 +157,9 @@ void runForm(fz_context *context, pdf_processor *processor, pdf_obj *form, pdf_o
     pdf_obj *ownResources = pdf_xobject_resources(context, form);
     const int hidden = processor->hidden;
     const Matrix matrix = Matrix::of(pdf_xobject_matrix(context, form));
+    const fz_rect box = pdf_xobject_bbox(context, form);
     TextInterpreter::Surroundings around;
-    perform(context, processor, [&] { around = text->interpreter->enterForm(matrix); });
+    perform(context, processor, [&] { around = text->interpreter->enterForm(matrix, box); });
     fz_try(context)
     {
         pdf_process_contents(context, processor, text->document,
