@@ -151,6 +151,10 @@ void TestTextOperators::places_data()
         {"BT /F1 12 Tf 30 100 Td /X Do (a) Tj ET",
          "Q Q 1 0 0 1 50 50 cm BT /F1 24 Tf 9 9 Td q q /OC /L BDC /Span BMC"},
         {{30, 100, "a"}});
+    row("form ends more than it begins",
+        {"/Span << /ActualText (xy) >> BDC /X Do " + shown("7 0 Td (b) Tj") + "EMC",
+         shown("(a) Tj") + "EMC"},
+        {{30, 100, "xy"}});
     row("form within itself", {"/X Do", shown("(a) Tj") + "1 0 0 1 40 0 cm /X Do"},
         {{30, 100, "a"}});
     row("hidden layer",

@@ -21,6 +21,7 @@ TextInterpreter::TextInterpreter(fz_context *usedContext, FontStore *usedFonts,
 
 void TextInterpreter::startOver()
 {
+    lowestMarked = 0;
     while (markedDepth > 0)
         endMarked();
     lowestState = 2;
@@ -153,9 +154,10 @@ double TextInterpreter::wayToMiddle(const FontGlyph &glyph, const Matrix &place,
 
 TextInterpreter::Surroundings TextInterpreter::enterForm(const Matrix &matrix, const fz_rect &box)
 {
-    const Surroundings around = {lowestState, markedDepth, textMatrix, lineMatrix};
+    const Surroundings around = {lowestState, lowestMarked, textMatrix, lineMatrix};
     save();
     lowestState = states.size();
+    lowestMarked = markedDepth;
     transform(matrix);
     if (!fz_is_empty_rect(box))
         clip(box);
@@ -186,8 +188,9 @@ void TextInterpreter::clip(const fz_rect &box)
 
 void TextInterpreter::leaveForm(const Surroundings &around)
 {
-    while (markedDepth > around.markedDepth)
+    while (markedDepth > lowestMarked)
         endMarked();
+    lowestMarked = around.lowestMarked;
     states.resize(lowestState - 1);
     lowestState = around.lowestState;
     textMatrix = around.textMatrix;
@@ -205,7 +208,7 @@ void TextInterpreter::beginReplaced(std::u32string text)
 
 void TextInterpreter::endMarked()
 {
-    if (markedDepth == 0)
+    if (markedDepth == lowestMarked)
         return;
     const bool isReplaced = markedDepth-- == replacedDepth;
     if (!isReplaced)

@@ -40,7 +40,7 @@ public:
     struct Surroundings
     {
         std::size_t lowestState = 0;
-        int markedDepth = 0;
+        int lowestMarked = 0;
         Matrix textMatrix;
         Matrix lineMatrix;
     };
@@ -100,6 +100,7 @@ private:
     Matrix textMatrix;
     Matrix lineMatrix;
     int markedDepth = 0;   ///< nesting of marked content
+    int lowestMarked = 0;  ///< what the running stream cannot end of it
     int replacedDepth = 0; ///< of the content whose text is stated, 0 outside of such
 };
 
