@@ -367,6 +367,9 @@ void TestLayout::fragmentTexts_data()
         {"outerz"});
     row("stated text of two lines", inHelvetica(stated("(all)", "(one) Tj 0 -20 Td (two) Tj")),
         {"one", "two"});
+    row("stated text across the crop box",
+        simplePdf({stated("(whole)", showText(20, 100, "seen unseen"))}, "/CropBox [0 0 50 200]"),
+        {"seen"});
     row("stated text without an end", inHelvetica("/Span << /ActualText (ab) >> BDC (x) Tj"),
         {"ab"});
     row("stated text drawn twice",

@@ -250,7 +250,11 @@ void GlyphCollector::endReplacement()
         return !isSameDirection(run.line, widest->line) ||
                std::abs(run.line.across - widest->line.across) > accentSizes * widest->line.size;
     };
-    if (std::any_of(shown.runs.begin(), shown.runs.end(), isElsewhere)) {
+    const auto isCutOff = [this](const std::pair<TextAxes, ShownGlyph> &one) {
+        return !isBlank(one.second.character) && isOutside(one.first, one.second);
+    };
+    if (std::any_of(shown.runs.begin(), shown.runs.end(), isElsewhere) ||
+        std::any_of(replaced.begin(), replaced.end(), isCutOff)) {
         for (const auto &[axes, glyph] : replaced)
             show(axes, glyph);
         skipsContinuations = true;

@@ -66,7 +66,8 @@ public:
 
     /// Between these two the glyphs show a text that the document states apart from them
     /// (ActualText; ISO 32000-1, 14.9.4). It takes their place where they stand on one line, in
-    /// one fragment; how a longer text falls into lines is not known, so the glyphs stay.
+    /// one fragment. How a longer text falls into lines, and which part of it is seen where glyphs
+    /// are outside, is not known, so the glyphs stay.
     void beginReplacement(std::u32string text);
     void endReplacement();
 
