@@ -203,6 +203,7 @@ void TestLayout::fragmentTexts_data()
     row("blanks as wide as a column gap", inHelvetica("(Total      12.00) Tj"), {"Total", "12.00"});
     row("kerned letters", inHelvetica("[(A) 80 (V) -20 (A) 74 (TAR)] TJ"), {"AVATAR"});
     row("words parted by a movement only", inHelvetica("[(two) -278 (words)] TJ"), {"two words"});
+    row("dots of an ellipsis", inHelvetica("[(2,) -150 (.) -150 (.) -150 (.)] TJ"), {"2, . . ."});
     row("wide word spaces by movement only", inHelvetica("[(two) -650 (words)] TJ"), {"two words"});
     row("wide space behind a sentence", inHelvetica("[(\"It is.\") -900 (So)] TJ"),
         {"\"It is.\" So"});

@@ -126,8 +126,9 @@ bool GlyphRun::endsSentence() const
 
 double GlyphRun::blankGap() const
 {
-    // Word spaces shrink to about 0.2 em in tightly set lines; kerning stays below 0.1 em.
-    constexpr double smallestBlankEm = 0.15;
+    // Word spaces shrink to about 0.2 em in tightly set lines; kerning stays below 0.1 em. TeX sets
+    // the dots of an ellipsis 0.15 em apart, where noise would decide.
+    constexpr double smallestBlankEm = 0.145;
     return smallestBlankEm * line.em + letterSpacing();
 }
 
