@@ -26,6 +26,8 @@ struct SortedRun
     double lineAcross; ///< of the line's first run, the run's own while the line is not known
     int line;          ///< order of the line's first run
     double start;
+    double across; ///< the run's own, here like its size because so many are compared
+    double size;
     GlyphRun *run;
 };
 
@@ -41,17 +43,17 @@ using Sorted = std::vector<SortedRun>;
 /// line.
 Sorted::iterator endOfNear(Sorted::iterator begin, Sorted::iterator end)
 {
-    double largest = begin->run->line.size;
+    double largest = begin->size;
     auto next = begin + 1;
     for (; next != end && next->direction == begin->direction; ++next) {
-        largest = std::max(largest, next->run->line.size);
-        if (next->lineAcross - std::prev(next)->lineAcross > sameLineSizes * largest)
+        largest = std::max(largest, next->size);
+        if (next->across - std::prev(next)->across > sameLineSizes * largest)
             break;
     }
     return next;
 }
 
-bool isOnLineOf(const Baseline &a, const Baseline &b)
+bool isLevel(const SortedRun &a, const SortedRun &b)
 {
     return std::abs(a.across - b.across) <= sameLineSizes * std::min(a.size, b.size);
 }
@@ -61,20 +63,19 @@ bool isOnLineOf(const Baseline &a, const Baseline &b)
 void sortIntoLines(Sorted::iterator begin, Sorted::iterator end)
 {
     // So many runs farther left is far away; looking at all of them would take their square.
-    constexpr std::ptrdiff_t farthest = 64;
+    constexpr std::ptrdiff_t farthest = 1024;
     for (auto entry = begin; entry != end; ++entry) {
         entry->lineAcross = 0;
         entry->line = 0;
     }
     std::sort(begin, end, isBefore);
     for (auto entry = begin; entry != end; ++entry) {
-        const Baseline &baseline = entry->run->line;
-        entry->lineAcross = baseline.across;
+        entry->lineAcross = entry->across;
         entry->line = entry->run->order;
         const auto first = entry - std::min(farthest, entry - begin);
         for (auto before = entry; before != first;) {
             --before;
-            if (isOnLineOf(before->run->line, baseline)) {
+            if (isLevel(*before, *entry)) {
                 entry->lineAcross = before->lineAcross;
                 entry->line = before->line;
                 break;
@@ -218,7 +219,8 @@ Lines joinLines(std::vector<GlyphRun> runs)
     Sorted sorted;
     sorted.reserve(runs.size());
     for (GlyphRun &run : runs)
-        sorted.push_back({directionKey(run.line), run.line.across, 0, run.start(), &run});
+        sorted.push_back({directionKey(run.line), run.line.across, 0, run.start(), run.line.across,
+                          run.line.size, &run});
     std::sort(sorted.begin(), sorted.end(), isBefore);
     Lines lines;
     lines.runs.reserve(runs.size());
