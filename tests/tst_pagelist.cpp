@@ -159,6 +159,11 @@ void TestPageList::allOperationsAgree_data()
         << "ABCDE";
     const QByteArray objects = sound.left(sound.indexOf("xref\n0 "));
     QTest::newRow("table and trailer lost") << objects << "ABCDE";
+    const QByteArray attached = "1 0 obj\n<< /Type /Pages /Kids [] >>\nendobj\n";
+    QTest::newRow("another file attached, table and trailer lost")
+        << objects + "99 0 obj\n<< /Length " + QByteArray::number(attached.size()) +
+               " >>\nstream\n" + attached + "\nendstream\nendobj\n"
+        << "ABCDE";
     QTest::newRow("object changed, table and trailer lost")
         << objects + "1 0 obj\n<< /Type /Pages /Kids [ 3 0 R ] >>\nendobj\n"
         << "CD";

@@ -6,6 +6,7 @@
 #include "pdf/document/referencetable.h"
 
 #include <cctype>
+#include <charconv>
 #include <cstdio>
 #include <map>
 #include <sstream>
@@ -49,6 +50,31 @@ private:
     std::string_view rest;
 };
 
+/// Behind the data of the stream whose object goes on at a place; the place itself when that is no
+/// stream, or one whose length is not right. A PDF file that is attached without being compressed
+/// has objects of its own in there.
+std::size_t behindStreamData(std::string_view bytes, std::size_t place)
+{
+    constexpr std::string_view keyword = "stream";
+    constexpr std::string_view lengthKey = "/Length ";
+    // Up to the next object or to where this one ends.
+    std::string_view dictionary = bytes.substr(place, bytes.find("obj", place + 3) - place);
+    dictionary = dictionary.substr(0, dictionary.find(keyword));
+    const std::size_t stream = place + dictionary.size();
+    const std::size_t key = dictionary.find(lengthKey);
+    if (key == dictionary.npos || bytes.compare(stream, keyword.size(), keyword) != 0)
+        return place;
+    std::size_t length = 0;
+    const std::string_view digits = dictionary.substr(key + lengthKey.size());
+    std::from_chars(digits.data(), digits.data() + digits.size(), length);
+    const std::size_t data = stream + keyword.size();
+    if (length > bytes.size() - data)
+        return place;
+    // Line ends stand around the data.
+    const bool isEnd = bytes.substr(data + length, 16).find("endstream") != bytes.npos;
+    return isEnd ? data + length : place;
+}
+
 /// Where the objects begin that the text defines; of one defined several times the last counts.
 std::map<QPDFObjGen, std::size_t> objectOffsets(std::string_view bytes)
 {
@@ -60,8 +86,10 @@ std::map<QPDFObjGen, std::size_t> objectOffsets(std::string_view bytes)
         if (generation < 0 || generation > 65535 || !scanner.skipBlanks())
             continue;
         const int number = scanner.number();
-        if (number > 0)
-            offsets[QPDFObjGen(number, generation)] = scanner.position();
+        if (number <= 0)
+            continue;
+        offsets[QPDFObjGen(number, generation)] = scanner.position();
+        i = behindStreamData(bytes, i);
     }
     return offsets;
 }
