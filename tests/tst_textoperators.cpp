@@ -1,13 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The Sendrivo authors
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "pdf/document/document.h"
 #include "pdf/layout/fragments.h"
-#include "pdf/layout/pagereader.h"
+#include "tests/support/pagefragments.h"
 #include "tests/support/pdfbuilder.h"
 #include "tests/support/privatefolders.h"
 
-#include <QTemporaryDir>
 #include <QTest>
 
 namespace {
@@ -40,13 +38,8 @@ QStringList expected(const QList<Seen> &all)
 
 QStringList seenOn(const QByteArray &bytes)
 {
-    const QTemporaryDir folder;
-    const QString path = folder.filePath("in.pdf");
-    writeFile(path, bytes);
-    pdf::Document document(path.toStdString());
-    const pdf::ReadablePages pages(document);
     QStringList lines;
-    for (const pdf::Fragment &fragment : pdf::PageReader(pages).fragments(0))
+    for (const pdf::Fragment &fragment : fragmentsOf(bytes))
         lines.append(line(fragment.left, fragment.top, QString::fromStdString(fragment.text)));
     lines.sort();
     return lines;
