@@ -76,6 +76,11 @@ void TestHostileInput::doesEnd_data()
                    {"<< /K 6 0 R /ParentTree 8 0 R >>", "<< /S /P /P 7 0 R /K [6 0 R 7 0 R 0] >>",
                     "<< /S /P /P 6 0 R /K 6 0 R >>", "<< /Kids [8 0 R 9 0 R] >>",
                     "<< /Nums [0 [6 0 R 1 0 R 2 0 R 3 0 R]] >>"});
+    QByteArray contents;
+    for (int i = 0; i < 20000; ++i)
+        contents += "<< /Stm << /StructParents " + QByteArray::number(i) + " >> /MCID 65535 >>";
+    QTest::newRow("many tagged contents without a parent tree")
+        << onePage("/StructTreeRoot 5 0 R", "/StructParents 0", {"<< /K [" + contents + "] >>"});
     const QByteArray link = "/Annots [<< /Subtype /Link /A 5 0 R >>]";
     QTest::newRow("action that follows itself")
         << onePage("", link, {"<< /S /URI /Next [5 0 R] >>"});

@@ -12,6 +12,8 @@ namespace {
 
 /// More marked contents than any page has; a number costs an entry for all below it.
 constexpr long long maximalContents = 1 << 16;
+/// More than documents have on all pages together; few bytes can be made to ask for more.
+constexpr long long maximalEntries = 1 << 22;
 
 class Walk
 {
@@ -76,13 +78,17 @@ private:
             parents.try_emplace(number.getIntValue(), QPDFObjectHandle::newArray()).first->second;
         if (!list.isArray())
             return;
-        while (list.getArrayNItems() <= index)
+        const long long missing = index + 1 - list.getArrayNItems();
+        if (missing > maximalEntries - entries)
+            return;
+        for (long long i = 0; i < missing; ++i, ++entries)
             list.appendItem(QPDFObjectHandle::newNull());
         list.setArrayItem(static_cast<int>(index), element);
     }
 
     std::vector<QPDFObjectHandle> waiting;
     std::set<QPDFObjGen> visited;
+    long long entries = 0; ///< in all lists
 };
 
 } // namespace
