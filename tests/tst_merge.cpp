@@ -29,6 +29,7 @@ private slots:
     void encryption_data();
     void encryption();
     void damagedStreamsAreCopiedAsTheyAre();
+    void damageIsFoundMeanwhile();
     void cutOffContentsStay_data();
     void cutOffContentsStay();
     void widgetsShareTheirField_data();
@@ -338,6 +339,23 @@ void TestMerge::damagedStreamsAreCopiedAsTheyAre()
               file.bytes(file.add("<< /Type /Catalog /Pages " + PdfBuilder::ref(root) + " >>")));
     QCOMPARE(mergePages(input, "1", output).exitCode, 0);
     QVERIFY(readFile(output).contains(broken));
+}
+
+/// Objects are then found anew: from there on no object is what the table said.
+void TestMerge::damageIsFoundMeanwhile()
+{
+    PdfBuilder file;
+    file.add("<< /Type /Pages /Kids [2 0 R 3 0 R] /Count 2 /MediaBox [0 0 9 9] >>");
+    file.add("<< /Type /Page /Parent 1 0 R /Trans 4 0 R >>");
+    file.add("<< /Type /Page /Parent 1 0 R >>");
+    file.add("<< /S /Wipe >>");
+    file.add("<< /First 6 0 R /Last 6 0 R >>");
+    file.add("<< /Parent 5 0 R /Title (one) /Dest [2 0 R /Fit] >>");
+    file.add("0\nendobj\n6 0 obj\n<< /Parent 5 0 R /Title (two) /Dest [3 0 R /Fit] >>");
+    const int catalog = file.add("<< /Type /Catalog /Pages 1 0 R /Outlines 5 0 R >>");
+    const MergeRun run(file.bytes(catalog).replace("4 0 obj", "4 0 xbj"), "1");
+    QCOMPARE(run.result.exitCode, 0);
+    QVERIFY(!pdfobjects::decoded(run.output).contains("two"));
 }
 
 void TestMerge::cutOffContentsStay_data()

@@ -68,8 +68,6 @@ void Document::read(std::string_view bytes)
         std::make_unique<ObjectBytes>(*pdf, salvaged.empty() ? bytes : std::string_view());
     pageList = readPageList(*pdf, *bytesOfObjects);
     hadWarnings = !salvaged.empty() || pdf->anyWarnings();
-    if (hadWarnings)
-        bytesOfObjects = std::make_unique<ObjectBytes>(*pdf, std::string_view());
 }
 
 bool Document::salvage()

@@ -5,19 +5,19 @@
 
 namespace pdf {
 
-ObjectBytes::ObjectBytes(QPDF &pdf, std::string_view file) : bytes(file)
+ObjectBytes::ObjectBytes(QPDF &document, std::string_view file) : pdf(document), bytes(file)
 {
     // Offsets count from the header, which may stand behind other bytes (ISO 32000-1, annex H).
     const std::size_t header = bytes.substr(0, 1024).find("%PDF-");
     if (header != std::string_view::npos)
         bytes.remove_prefix(header);
-    if (!pdf.anyWarnings())
-        offsets = pdf.getXRefTable();
+    offsets = pdf.getXRefTable();
 }
 
 std::optional<std::size_t> ObjectBytes::offsetOf(QPDFObjGen object) const
 {
-    const auto entry = offsets.find(object);
+    // Damage that shows only now makes qpdf find all objects anew.
+    const auto entry = pdf.anyWarnings() ? offsets.end() : offsets.find(object);
     if (entry == offsets.end() || entry->second.getType() != 1)
         return std::nullopt;
     return static_cast<std::size_t>(entry->second.getOffset());

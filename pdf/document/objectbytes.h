@@ -17,7 +17,8 @@ namespace pdf {
 class ObjectBytes
 {
 public:
-    ObjectBytes(QPDF &pdf, std::string_view file);
+    /// The document must outlive the object.
+    ObjectBytes(QPDF &document, std::string_view file);
 
     /// What the object says as a part of the page tree; no value when qpdf is to be asked.
     [[nodiscard]] std::optional<PeekedNode> peekNode(QPDFObjGen object) const;
@@ -29,6 +30,7 @@ public:
 private:
     [[nodiscard]] std::optional<std::size_t> offsetOf(QPDFObjGen object) const;
 
+    QPDF &pdf;
     std::string_view bytes;
     std::map<QPDFObjGen, QPDFXRefEntry> offsets;
 };
