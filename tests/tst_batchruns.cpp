@@ -158,6 +158,7 @@ private slots:
             const QString call = QCoreApplication::applicationDirPath() + "/sendrivo-batch '" +
                                  (arguments(options) + inputs).join("' '") + "' >results";
             QProcess terminal;
+            terminal.setProcessChannelMode(QProcess::MergedChannels);
             terminal.start("script",
                            {"--quiet", "--return", "--command", call, path("typescript")});
             terminal.waitForFinished(timeLimitMs);

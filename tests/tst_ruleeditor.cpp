@@ -5,6 +5,7 @@
 #include "rules/rulestore.h"
 #include "rules/settingsfile.h"
 #include "split/toolcommands.h"
+#include "tests/support/editordriver.h"
 #include "tests/support/pdfbuilder.h"
 #include "tests/support/pdfreader.h"
 #include "tests/support/privatefolders.h"
@@ -18,13 +19,11 @@
 #include <QLineEdit>
 #include <QNetworkReply>
 #include <QRegion>
-#include <QScrollArea>
 #include <QSpinBox>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QToolTip>
 #include <QWheelEvent>
-#include <QWindow>
 
 namespace {
 
@@ -68,87 +67,6 @@ QString misplaced(const QImage &image, const QList<QPushButton *> &boxes)
     }
     return {};
 }
-
-/// Uses a rule editor as a person does: by its widgets, with the mouse cursor where the click is.
-class EditorDriver
-{
-public:
-    explicit EditorDriver(QDialog &editor) : dialog(editor) {}
-
-    template <typename Widget>
-    [[nodiscard]] Widget *widget(const char *name) const
-    {
-        return dialog.findChild<Widget *>(QLatin1String(name));
-    }
-    /// The rule as it would be saved.
-    [[nodiscard]] QString candidate() const
-    {
-        return widget<QLineEdit>("lineEdit_rulebefore")->text();
-    }
-    [[nodiscard]] QScrollArea *view() const { return dialog.findChild<QScrollArea *>(); }
-    /// Shows the page and holds the boxes.
-    [[nodiscard]] QLabel *page() const { return qobject_cast<QLabel *>(view()->widget()); }
-    [[nodiscard]] QImage image() const { return page()->pixmap(Qt::ReturnByValue).toImage(); }
-    /// The boxes of the page, in the order of the layout.
-    [[nodiscard]] QList<QPushButton *> boxes() const { return buttons(true); }
-    /// The box over the fragment with this text, or null.
-    [[nodiscard]] QPushButton *box(const QString &fragment) const
-    {
-        for (QPushButton *button : boxes()) {
-            if (button->accessibleName() == fragment)
-                return button;
-        }
-        return nullptr;
-    }
-    /// The button beside the picked box, or null when it is not offered.
-    [[nodiscard]] QPushButton *confirmButton() const { return buttons(false).value(0); }
-    [[nodiscard]] bool waitForBoxes() const
-    {
-        return QTest::qWaitFor([this] { return !boxes().isEmpty(); }, 30000);
-    }
-    void click(const QByteArray &name) const
-    {
-        QTest::mouseClick(widget<QPushButton>("pushButton_" + name), Qt::LeftButton);
-    }
-    /// Clicks into the page view; `place` in its pixels.
-    void clickAt(QPoint place) const
-    {
-        view()->ensureVisible(place.x(), place.y());
-        QCursor::setPos(page()->mapToGlobal(place));
-        // To the window, which finds the widget at this place itself.
-        QTest::mouseClick(dialog.windowHandle(), Qt::LeftButton, {}, page()->mapTo(&dialog, place));
-    }
-    /// What the editor shows as the rule after a click on a box and on the button beside it; empty
-    /// when there was no such button.
-    [[nodiscard]] QString makeRuleAt(QPoint place) const
-    {
-        clickAt(place);
-        const QPushButton *button = confirmButton();
-        if (!button)
-            return {};
-        clickAt(button->geometry().center());
-        return candidate();
-    }
-    void typeName(const QString &name) const
-    {
-        auto *edit = widget<QLineEdit>("lineEdit_rule");
-        edit->clear();
-        QTest::keyClicks(edit, name);
-    }
-
-private:
-    [[nodiscard]] QList<QPushButton *> buttons(bool areBoxes) const
-    {
-        QList<QPushButton *> found;
-        for (QPushButton *button : page()->findChildren<QPushButton *>()) {
-            if (button->isFlat() == areBoxes && (areBoxes || button->isVisible()))
-                found.append(button);
-        }
-        return found;
-    }
-
-    QDialog &dialog;
-};
 
 /// A rule editor opened on a file as the main window opens it.
 struct Editor : Rules, EditorDriver
