@@ -404,6 +404,8 @@ void TestMerge::widgetsShareTheirField_data()
                                   << "name name";
     QTest::newRow("page repeated") << both << "1 1"
                                    << "name name name name";
+    QTest::newRow("page without widgets") << QByteArray() << "1"
+                                          << "";
 }
 
 /// However the widgets are written, there is one field, and all of them are below it.
@@ -419,15 +421,22 @@ void TestMerge::widgetsShareTheirField()
     file.add("<< /Type /Pages /Kids [4 0 R 5 0 R] /Count 2 /MediaBox [0 0 99 99] >>");
     file.add("<< /Type /Page /Parent 3 0 R /Annots [" + annotations + "] >>");
     file.add("<< /Type /Page /Parent 3 0 R /Annots [2 0 R] >>");
-    const MergeRun run(file.bytes(file.add("<< /Type /Catalog /Pages 3 0 R /AcroForm << /Fields [" +
+    file.add("<< /Type /OCG /Name (layer) >>");
+    file.add("<< /L 6 0 R >>");
+    const MergeRun run(file.bytes(file.add("<< /Type /Catalog /Pages 3 0 R /OCProperties << /OCGs "
+                                           "[6 0 R] >> /AcroForm << /DR << /Properties 7 0 R >> "
+                                           "/Fields [" +
                                            PdfBuilder::ref(field) + "] >> >>")),
                        ranges);
     QCOMPARE(run.result.exitCode, 0);
     QCOMPARE(pdfobjects::fieldNames(run.output), names);
-    QCOMPARE(pdfobjects::count(run.output, "/T (name)"), 1);
+    const bool isKept = !names.isEmpty();
+    QCOMPARE(pdfobjects::count(run.output, "/T (name)"), isKept ? 1 : 0);
     // The field has no place on a page.
     QCOMPARE(pdfobjects::count(run.output, "/T (name) /Rect"), 0);
-    QCOMPARE(pdfobjects::listLength(run.output, "/Fields"), 1);
+    QCOMPARE(pdfobjects::listLength(run.output, "/Fields"), isKept ? 1 : -1);
+    // What no page uses is left in the form's defaults.
+    QCOMPARE(pdfobjects::count(run.output, "(layer)"), 0);
 }
 
 SENDRIVO_TEST_MAIN(TestMerge, QCoreApplication)

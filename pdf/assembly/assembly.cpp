@@ -146,8 +146,9 @@ private:
         QPDFObjectHandle catalog = target->getRoot();
         copyDocumentEntries(copier, destinations);
         catalog.replaceKey("/PageLabels", copyPageLabels(copier, indexes));
-        catalog.replaceKey("/AcroForm", fields.formDictionary(
-                                            resources.copyFormDefaults(fields.defaultResources())));
+        if (fields.hasFields())
+            catalog.replaceKey("/AcroForm", fields.formDictionary(resources.copyFormDefaults(
+                                                fields.defaultResources())));
         const QPDFObjectHandle structure = StructureCopier(document, copier).copyTree();
         catalog.replaceKey("/StructTreeRoot", structure);
         // Else it would claim tags where there are none.
