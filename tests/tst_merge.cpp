@@ -406,6 +406,8 @@ void TestMerge::widgetsShareTheirField_data()
                                    << "name name name name";
     QTest::newRow("page without widgets") << QByteArray() << "1"
                                           << "";
+    QTest::newRow("button that is off, page repeated") << QByteArray("2 0 R") << "1 1"
+                                                       << "name";
 }
 
 /// However the widgets are written, there is one field, and all of them are below it.
@@ -417,7 +419,9 @@ void TestMerge::widgetsShareTheirField()
     PdfBuilder file;
     const int field = file.add("<< /Subtype /Widget /FT /Tx /T (name) /V (value) /Kids [2 0 R] "
                                "/Rect [9 9 90 20] >>");
-    file.add("<< /Subtype /Widget /Rect [0 0 9 9] /Parent 1 0 R >>");
+    const bool isButton = QByteArray(QTest::currentDataTag()).startsWith("button");
+    file.add("<< /Subtype /Widget /Rect [0 0 9 9] /Parent 1 0 R " +
+             QByteArray(isButton ? "/AS /Off /AP << /N << >> >>" : "") + " >>");
     file.add("<< /Type /Pages /Kids [4 0 R 5 0 R] /Count 2 /MediaBox [0 0 99 99] >>");
     file.add("<< /Type /Page /Parent 3 0 R /Annots [" + annotations + "] >>");
     file.add("<< /Type /Page /Parent 3 0 R /Annots [2 0 R] >>");

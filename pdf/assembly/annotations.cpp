@@ -48,7 +48,7 @@ void AnnotationCopier::announcePage(const QPDFObjectHandle &sourcePage,
     if (array.isArray()) {
         for (QPDFObjectHandle &original : array.getArrayAsVector()) {
             if (!original.isDictionary() || !original.hasKey("/Subtype") ||
-                leadsNowhere(original) || !fields.canBeCopied(original))
+                leadsNowhere(original) || !fields.canBeCopied(original, isRepetition))
                 continue;
             page.listed.push_back(announce(original, page));
             popups.push_back(original.getKey("/Popup"));

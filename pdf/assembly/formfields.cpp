@@ -43,6 +43,14 @@ bool hasAppearance(QPDFObjectHandle widget)
            (normal.isDictionary() && state.isName() && normal.getKey(state.getName()).isStream());
 }
 
+/// Whether the widget has appearances, but none for the state that it is in.
+bool showsNothing(QPDFObjectHandle widget)
+{
+    QPDFObjectHandle appearances = widget.getKey("/AP");
+    return appearances.isDictionary() && appearances.getKey("/N").isDictionary() &&
+           widget.getKey("/AS").isName() && !hasAppearance(widget);
+}
+
 bool isField(QPDFObjectHandle dictionary)
 {
     return dictionary.hasKey("/T") || dictionary.hasKey("/FT");
@@ -120,17 +128,24 @@ bool FormFieldCopier::isSigned(const QPDFObjectHandle &field)
     return attribute(field, "/FT").isNameAndEquals("/Sig") && !attribute(field, "/V").isNull();
 }
 
-bool FormFieldCopier::canBeCopied(const QPDFObjectHandle &annotation)
+bool FormFieldCopier::canBeCopied(const QPDFObjectHandle &annotation, bool isRepetition)
 {
-    return !isWidget(annotation) || hasAppearance(annotation) || !isSigned(annotation);
+    if (!isWidget(annotation) || hasAppearance(annotation))
+        return true;
+    return !isSigned(annotation) &&
+           !(isRepetition && showsNothing(annotation) && !readerDrawsFields());
 }
 
 bool FormFieldCopier::canBePicture(const QPDFObjectHandle &widget)
 {
-    QPDFObjectHandle mustBeDrawn = sourceForm.isDictionary() ? sourceForm.getKey("/NeedAppearances")
-                                                             : QPDFObjectHandle::newNull();
-    return hasAppearance(widget) &&
-           (isSigned(widget) || !mustBeDrawn.isBool() || !mustBeDrawn.getBoolValue());
+    return hasAppearance(widget) && (isSigned(widget) || !readerDrawsFields());
+}
+
+bool FormFieldCopier::readerDrawsFields()
+{
+    QPDFObjectHandle isWanted = sourceForm.isDictionary() ? sourceForm.getKey("/NeedAppearances")
+                                                          : QPDFObjectHandle::newNull();
+    return isWanted.isBool() && isWanted.getBoolValue();
 }
 
 void FormFieldCopier::announce(const QPDFObjectHandle &widget, bool isFirst)

@@ -19,9 +19,10 @@ class FormFieldCopier
 public:
     FormFieldCopier(ObjectCopier &objectCopier, DestinationCopier &destinationCopier);
 
-    /// Whether anything of the annotation can be in the target: a signature that shows nothing
-    /// cannot.
-    [[nodiscard]] bool canBeCopied(const QPDFObjectHandle &annotation);
+    /// Whether anything of the annotation can be in the target: what would become a picture but
+    /// shows nothing cannot, like a signature without appearance or, on a page written a second
+    /// time, a button that is off.
+    [[nodiscard]] bool canBeCopied(const QPDFObjectHandle &annotation, bool isRepetition);
     /// Whether makePicture() leaves what the widget shows; else the reader draws it from the field.
     [[nodiscard]] bool canBePicture(const QPDFObjectHandle &widget);
     /// Sets aside objects of the target for the fields above the widget, which actions can name. To
@@ -59,6 +60,7 @@ private:
     void readKids();
     QPDFObjectHandle attribute(QPDFObjectHandle field, const char *key);
     bool isSigned(const QPDFObjectHandle &field);
+    bool readerDrawsFields();
     static void removeFieldKeys(QPDFObjectHandle widget);
     Ancestor *ancestor(const QPDFObjectHandle &field);
     void fill(const QPDFObjectHandle &original, Ancestor &field);
