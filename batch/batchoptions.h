@@ -63,6 +63,7 @@ struct SplitPlan
     QString outputFolder; ///< absolute, without links
     ExistingFiles existing = ExistingFiles::Overwrite;
     bool isDryRun = false;
+    bool isResuming = false;
     std::optional<pdf::DocumentOptions> documentOptions;
     QString documentOptionsState; ///< differs when the file that they are from was changed
     /// Inputs, lists and settings: nothing is written in place of one of them.

@@ -17,8 +17,9 @@ namespace {
 class Namer
 {
 public:
-    Namer(const SplitPlan &splitPlan, const QString &inputFile, const TakenPaths &takenPaths)
-        : plan(splitPlan), input(inputFile), taken(takenPaths),
+    Namer(const SplitPlan &splitPlan, const QString &inputFile, const TakenPaths &takenPaths,
+          const IsWritten &isDocumentWritten)
+        : plan(splitPlan), input(inputFile), taken(takenPaths), isWritten(isDocumentWritten),
           baseName(QFileInfo(inputFile).baseName())
     {
         if (!plan.nameTemplate.isEmpty())
@@ -36,8 +37,8 @@ public:
             return pathOf(document);
         };
         const QString result = firstFreePath(
-            pathOfCopy, [this](const QString &candidate) { return isFree(candidate); });
-        check(result);
+            pathOfCopy, [&](const QString &candidate) { return isFree(candidate, number); });
+        check(result, number);
         own.insert(result);
         return result;
     }
@@ -51,13 +52,25 @@ private:
                pattern->fileName(document);
     }
 
-    [[nodiscard]] bool isFree(const QString &candidate) const
+    [[nodiscard]] bool isFree(const QString &candidate, int number) const
     {
         return !own.contains(candidate) && taken.value(candidate, input) == input &&
-               (plan.existing != ExistingFiles::Rename || !QFile::exists(candidate));
+               (plan.existing != ExistingFiles::Rename || !isInTheWay(candidate, number));
     }
 
-    void check(const QString &path) const
+    /// Whether there is a file, and not because the document was written before.
+    [[nodiscard]] bool isInTheWay(const QString &path, int number) const
+    {
+        return QFile::exists(path) && (!isWritten || isRead(path) || !isWritten(number - 1, path));
+    }
+
+    [[nodiscard]] bool isRead(const QString &path) const
+    {
+        const auto identity = pdf::fileIdentity(QFile::encodeName(path).toStdString());
+        return identity && plan.filesRead.count(*identity) != 0;
+    }
+
+    void check(const QString &path, int number) const
     {
         const std::string bytes = QFile::encodeName(path).toStdString();
         const auto refuse = [&bytes](const char *cause) {
@@ -65,16 +78,16 @@ private:
         };
         if (bytes.size() - bytes.rfind('/') - 1 > maxFileNameBytes)
             refuse("is too long a name");
-        if (plan.existing == ExistingFiles::Fail && QFile::exists(path))
+        if (plan.existing == ExistingFiles::Fail && isInTheWay(path, number))
             refuse("exists already");
-        const std::optional<pdf::FileIdentity> existing = pdf::fileIdentity(bytes);
-        if (existing && plan.filesRead.count(*existing) != 0)
+        if (isRead(path))
             refuse("is itself a file that is read");
     }
 
     const SplitPlan &plan;
     const QString &input;
     const TakenPaths &taken;
+    const IsWritten &isWritten;
     QString baseName;
     std::optional<NameTemplate> pattern;
     QSet<QString> own;
@@ -84,9 +97,10 @@ private:
 } // namespace
 
 QList<DocumentResult> nameDocuments(const SplitPlan &plan, const QString &input,
-                                    const SplitDecision &decision, const TakenPaths &taken)
+                                    const SplitDecision &decision, const TakenPaths &taken,
+                                    const IsWritten &isWritten)
 {
-    Namer namer(plan, input, taken);
+    Namer namer(plan, input, taken, isWritten);
     QList<DocumentResult> documents;
     for (int k = 0; k < decision.rangeList.size(); ++k) {
         const QString &range = decision.rangeList[k];

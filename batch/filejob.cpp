@@ -17,6 +17,7 @@
 
 #include <algorithm>
 #include <csignal>
+#include <functional>
 #include <optional>
 
 namespace {
@@ -101,6 +102,9 @@ void writePart(const SplitPlan &plan, pdf::Document &document,
     throw Error(ExitCode::InputUnreadable, "documents cannot be written");
 }
 
+/// Names the documents anew.
+using Naming = std::function<QList<DocumentResult>(const IsWritten &isWritten)>;
+
 void setVerdict(FileResult &result, const PageTexts &texts)
 {
     result.complaints = texts.complaints;
@@ -119,7 +123,8 @@ void setVerdict(FileResult &result, const PageTexts &texts)
     }
 }
 
-void publish(const SplitPlan &plan, pdf::Document &document, int workers, FileResult &result)
+void publish(const SplitPlan &plan, pdf::Document &document, int workers, const Naming &name,
+             FileResult &result)
 {
     const QString folder = QFileInfo(result.documents.first().file).path();
     StagingFolder staging(folder);
@@ -128,6 +133,10 @@ void publish(const SplitPlan &plan, pdf::Document &document, int workers, FileRe
         end = endOfPart(result.documents, first);
         writePart(plan, document, result.documents, first, end, staging, workers);
     }
+    if (plan.isResuming)
+        result.documents = name([&staging](int index, const QString &path) {
+            return staging.isPublished(index, path);
+        });
     QStringList paths;
     for (int index = 0; index < result.documents.size(); ++index) {
         result.documents[index].bytes = QFileInfo(staging.pathOf(index)).size();
@@ -153,9 +162,15 @@ void split(const SplitPlan &plan, const FileJob &job, FileProgress &progress, Fi
     if (!areAllPagesOnce(decision.rangeList, result.pages))
         throw Error(ExitCode::InputUnreadable, "the documents do not hold every page once");
     setVerdict(result, texts);
-    result.documents = nameDocuments(plan, job.input, decision, job.taken);
+    const auto name = [&](const IsWritten &isWritten) {
+        return nameDocuments(plan, job.input, decision, job.taken, isWritten);
+    };
+    // An earlier run may have published documents without reporting them. Only when they are
+    // written again can be told which they are.
+    const bool mayBeWritten = plan.isResuming && !plan.isDryRun;
+    result.documents = name(mayBeWritten ? [](int, const QString &) { return true; } : IsWritten());
     if (!plan.isDryRun)
-        publish(plan, document, workers, result);
+        publish(plan, document, workers, name, result);
 }
 
 } // namespace

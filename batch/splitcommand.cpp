@@ -100,6 +100,7 @@ SplitPlan makePlan(const BatchOptions &options)
     plan.outputFolder = folder.exists() ? folder.canonicalFilePath() : folder.absoluteFilePath();
     plan.existing = options.existing;
     plan.isDryRun = options.isDryRun;
+    plan.isResuming = options.isResuming;
     if (options.usesOutputOptions) {
         plan.documentOptionsState = stateOf(options.settingsFile);
         plan.documentOptions = makeDocumentOptions(options.settingsFile);

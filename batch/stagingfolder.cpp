@@ -7,6 +7,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 
 #include <cerrno>
 #include <cstdlib>
@@ -36,6 +37,22 @@ bool renameFile(const QByteArray &from, const QByteArray &to, bool mayReplace)
     const bool knowsNoLinks = errno == EPERM || errno == EOPNOTSUPP || errno == ENOSYS;
     return knowsNoLinks && ::access(to.constData(), F_OK) != 0 &&
            ::rename(from.constData(), to.constData()) == 0;
+}
+
+bool haveSameBytes(const QString &path, const QString &otherPath)
+{
+    constexpr qint64 chunk = 1 << 20;
+    QFile first(path);
+    QFile second(otherPath);
+    if (!first.open(QIODevice::ReadOnly) || !second.open(QIODevice::ReadOnly) ||
+        first.size() != second.size())
+        return false;
+    while (!first.atEnd()) {
+        const QByteArray bytes = first.read(chunk);
+        if (bytes.isEmpty() || bytes != second.read(chunk))
+            return false;
+    }
+    return true;
 }
 
 /// Gives the file a second name, so that it outlives being replaced; moves it where that is not
@@ -119,10 +136,17 @@ QString StagingFolder::keptPathOf(int index) const
     return pathOf(index) + QLatin1String(".old");
 }
 
+bool StagingFolder::isPublished(int index, const QString &path) const
+{
+    return QFileInfo(path).isFile() && haveSameBytes(pathOf(index), path);
+}
+
 void StagingFolder::publish(const QStringList &paths, bool mayReplace)
 {
     for (int index = 0; index < paths.size(); ++index) {
         const QByteArray target = QFile::encodeName(paths[index]);
+        if (!mayReplace && isPublished(index, paths[index]))
+            continue;
         if ((!mayReplace || keepFile(target, QFile::encodeName(keptPathOf(index)))) &&
             renameFile(QFile::encodeName(pathOf(index)), target, mayReplace))
             continue;
@@ -139,7 +163,8 @@ void StagingFolder::takeBack(const QStringList &paths, int failed) const
         const QByteArray target = QFile::encodeName(paths[index]);
         const QByteArray kept = QFile::encodeName(keptPathOf(index));
         const bool wasThere = ::rename(kept.constData(), target.constData()) == 0;
-        if (!wasThere && errno == ENOENT && index < failed)
+        // What has not left this folder is not what has the name.
+        if (!wasThere && errno == ENOENT && !QFile::exists(pathOf(index)))
             ::unlink(target.constData());
     }
 }

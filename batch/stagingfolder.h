@@ -21,9 +21,11 @@ public:
 
     /// Where the document with this index (from 0) is written.
     [[nodiscard]] QString pathOf(int index) const;
+    /// Whether the file at the path is the document with this index, to the byte.
+    [[nodiscard]] bool isPublished(int index, const QString &path) const;
     /// Gives the documents their names, in this order. Unless `mayReplace`, a file that has such a
-    /// name makes it fail. On failure those that were named are removed again, and
-    /// the files that they had replaced have their names back.
+    /// name and is not the document already makes it fail. On failure those that were named are
+    /// removed again, and the files that they had replaced have their names back.
     /// Throws pdf::Error(OutputUnwritable).
     void publish(const QStringList &paths, bool mayReplace);
 

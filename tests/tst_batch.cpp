@@ -185,6 +185,7 @@ private slots:
         QTest::newRow("overwrite, folder in the way")
             << "overwrite" << 5 << QStringList{all[1]} << false;
         QTest::newRow("fail") << "fail" << 5 << QStringList{all[1]} << false;
+        QTest::newRow("fail, none there") << "fail" << 0 << all << true;
         QTest::newRow("rename") << "rename" << 0
                                 << QStringList{all[0], "in/2 INV-2 in 3-5 (2).pdf", all[1], all[2]}
                                 << false;
@@ -195,13 +196,24 @@ private slots:
         QFETCH(bool, isReplaced);
         QDir(output->path()).mkdir("in");
         const QString there = output->filePath("in/2 INV-2 in 3-5.pdf");
-        writeFile(there, "mine");
-        if (QByteArray(QTest::currentDataTag()).endsWith("folder in the way"))
+        const QByteArray tag = QTest::currentDataTag();
+        if (!tag.endsWith("none there"))
+            writeFile(there, "mine");
+        if (tag.endsWith("folder in the way"))
             QDir(output->path()).mkdir("in/3 INV-3 in 6.pdf");
-        const ToolResult result = batch(splitArguments({"--existing", mode, path("in.pdf")}));
-        QTEST(result.exitCode, "exitCode");
-        QTEST(namesIn(output->path()), "names");
-        QCOMPARE(readFile(there) != "mine", isReplaced);
+        // The second run is after one that was killed while it published, before it reported.
+        for (const bool isSecond : {false, true}) {
+            QFile::remove(path("nothing"));
+            QStringList options = {"--existing", mode, path("in.pdf")};
+            if (isSecond) {
+                QFile::remove(output->filePath("in/1 20-1-7 in 1-2.pdf"));
+                options += QStringList{"--resume", "--report", path("nothing")};
+            }
+            const ToolResult result = batch(splitArguments(options));
+            QTEST(result.exitCode, "exitCode");
+            QTEST(namesIn(output->path()), "names");
+            QCOMPARE(readFile(there) != "mine", isReplaced);
+        }
     }
 
     /// Exit codes and complaints; a call that is wrong leaves nothing.
