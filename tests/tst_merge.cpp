@@ -116,7 +116,11 @@ void TestMerge::keepsItsPagesOnly()
     QFETCH(QString, pages);
     QFETCH(QString, labels);
     QFETCH(QByteArray, key);
-    const MergeRun run(MarkedPdf(5).bytes().replace(key, "/Other     "), ranges);
+    QByteArray bytes = MarkedPdf(5).bytes().replace(key, "/Other     ");
+    // Only the tree would tell which page has the number.
+    if (key == "/ParentTree")
+        bytes.replace("/StructParents 1 ", "/StructParents 3 ");
+    const MergeRun run(bytes, ranges);
     QCOMPARE(pdfreader::complaints(run.input), QString());
     QCOMPARE(run.result.errors, QByteArray());
     QCOMPARE(run.result.exitCode, 0);

@@ -18,6 +18,8 @@ constexpr long long maximalEntries = 1 << 22;
 class Walk
 {
 public:
+    explicit Walk(const ObjectCopier &objectCopier) : copier(objectCopier) {}
+
     std::map<long long, QPDFObjectHandle> parents;
 
     void from(const QPDFObjectHandle &structureRoot)
@@ -52,7 +54,7 @@ private:
             const QPDFObjectHandle own = kid.hasKey("/Pg") ? kid.getKey("/Pg") : page;
             addContents(kid.hasKey("/Stm") ? stream : own, kid.getKey("/MCID"), element);
         } else if (kid.hasKey("/Obj")) {
-            const QPDFObjectHandle number = dictionaryOf(kid.getKey("/Obj"), "/StructParent");
+            const QPDFObjectHandle number = keyIn(kid.getKey("/Obj"), "/StructParent");
             if (QPDFObjectHandle(number).isInteger())
                 parents.emplace(QPDFObjectHandle(number).getIntValue(), element);
         } else if (kid.isIndirect() && visited.insert(kid.getObjGen()).second) {
@@ -60,8 +62,11 @@ private:
         }
     }
 
-    static QPDFObjectHandle dictionaryOf(QPDFObjectHandle object, const char *key)
+    /// Where pages share a number, it is that of the copied one.
+    [[nodiscard]] QPDFObjectHandle keyIn(QPDFObjectHandle object, const char *key) const
     {
+        if (!copier.mapped(object.getObjGen()).isIndirect())
+            return QPDFObjectHandle::newNull();
         if (object.isStream())
             object = object.getDict();
         return object.isDictionary() ? object.getKey(key) : QPDFObjectHandle::newNull();
@@ -70,7 +75,7 @@ private:
     void addContents(const QPDFObjectHandle &holder, QPDFObjectHandle identifier,
                      const QPDFObjectHandle &element)
     {
-        QPDFObjectHandle number = dictionaryOf(holder, "/StructParents");
+        QPDFObjectHandle number = keyIn(holder, "/StructParents");
         const long long index = identifier.isInteger() ? identifier.getIntValue() : -1;
         if (!number.isInteger() || index < 0 || index >= maximalContents)
             return;
@@ -86,6 +91,7 @@ private:
         list.setArrayItem(static_cast<int>(index), element);
     }
 
+    const ObjectCopier &copier;
     std::vector<QPDFObjectHandle> waiting;
     std::set<QPDFObjGen> visited;
     long long entries = 0; ///< in all lists
@@ -93,9 +99,10 @@ private:
 
 } // namespace
 
-std::map<long long, QPDFObjectHandle> contentParents(QPDFObjectHandle structureRoot)
+std::map<long long, QPDFObjectHandle> contentParents(const ObjectCopier &copier,
+                                                     const QPDFObjectHandle &structureRoot)
 {
-    Walk walk;
+    Walk walk(copier);
     walk.from(structureRoot);
     return walk.parents;
 }

@@ -3,13 +3,16 @@
 
 #pragma once
 
+#include "pdf/assembly/objectcopier.h"
+
 #include <map>
-#include <qpdf/QPDFObjectHandle.hh>
 
 namespace pdf {
 
-/// What the parent tree of a structure tree should say (ISO 32000-1, 14.7.4.4), by the numbers in
-/// /StructParents and /StructParent: found by a walk through the whole tree, for files without one.
-[[nodiscard]] std::map<long long, QPDFObjectHandle> contentParents(QPDFObjectHandle structureRoot);
+/// What the parent tree of a structure tree should say (ISO 32000-1, 14.7.4.4) of what the copier
+/// has copied, by the numbers in /StructParents and /StructParent: found by a walk through the
+/// whole structure tree, for files without a parent tree.
+[[nodiscard]] std::map<long long, QPDFObjectHandle>
+contentParents(const ObjectCopier &copier, const QPDFObjectHandle &structureRoot);
 
 } // namespace pdf

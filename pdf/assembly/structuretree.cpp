@@ -71,7 +71,7 @@ QPDFObjectHandle StructureCopier::copyParentTree(const QPDFObjectHandle &sourceT
     const bool isMissing = !QPDFObjectHandle(sourceTree).isDictionary();
     std::map<long long, QPDFObjectHandle> found;
     if (isMissing)
-        found = contentParents(sourceRoot);
+        found = contentParents(copier, sourceRoot);
     QPDFObjectHandle numbers = QPDFObjectHandle::newArray();
     // Elements can refer to streams that are copied only with them and are tagged themselves.
     for (std::size_t i = 0; i < copier.structureKeys().size(); ++i) {
