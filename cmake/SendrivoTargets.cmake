@@ -27,9 +27,25 @@ add_library(sendrivo_qt_settings INTERFACE)
 target_compile_definitions(sendrivo_qt_settings INTERFACE
                            QT_NO_CAST_TO_ASCII QT_DISABLE_DEPRECATED_BEFORE=0x060400)
 
+# sendrivo_project_setup(): Qt's usual settings for a project, but programs look for shared libraries
+# where they were linked, or where CMAKE_INSTALL_RPATH says. Qt's own choice for installed programs
+# is longer than what a built one needs; CMake fills up the rest with empty entries, and the loader
+# takes those for the working directory, which is a folder of the user's data.
+macro(sendrivo_project_setup)
+  set(sendrivo_chosen_rpath "${CMAKE_INSTALL_RPATH}")
+  qt_standard_project_setup()
+  set(CMAKE_INSTALL_RPATH "${sendrivo_chosen_rpath}")
+  if(CMAKE_INSTALL_RPATH)
+    set(CMAKE_BUILD_WITH_INSTALL_RPATH ON)
+  else()
+    set(CMAKE_INSTALL_RPATH_USE_LINK_PATH ON)
+  endif()
+endmacro()
+
 # sendrivo_program(TARGET): the program goes to bin/ in the build tree, where the window looks for
 # its tools, and is installed to bin/.
 function(sendrivo_program target)
   set_target_properties(${target} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
   install(TARGETS ${target} RUNTIME DESTINATION bin)
+  set_property(DIRECTORY "${PROJECT_SOURCE_DIR}" APPEND PROPERTY sendrivo_programs ${target})
 endfunction()
