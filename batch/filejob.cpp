@@ -9,6 +9,7 @@
 #include "pdf/assembly/assembly.h"
 #include "pdf/document/pageranges.h"
 #include "pdf/layout/pageworkers.h"
+#include "split/inputstate.h"
 #include "split/pagerange.h"
 
 #include <QElapsedTimer>
@@ -102,6 +103,16 @@ void writePart(const SplitPlan &plan, pdf::Document &document,
     throw Error(ExitCode::InputUnreadable, "documents cannot be written");
 }
 
+/// Throws Error when the input was written to since it had that state: its documents may then hold
+/// other pages than those that were read. One that was removed or renamed is open as it was.
+void checkNotWritten(const pdf::Document &document, const std::optional<InputState> &before)
+{
+    const std::optional<InputState> now = inputState(document.file().descriptor());
+    if (!before || !now || now->sizeBytes != before->sizeBytes ||
+        now->modifiedNs != before->modifiedNs)
+        throw Error(ExitCode::InputUnreadable, "was changed while it was read");
+}
+
 /// Names the documents anew.
 using Naming = std::function<QList<DocumentResult>(const IsWritten &isWritten)>;
 
@@ -123,7 +134,9 @@ void setVerdict(FileResult &result, const PageTexts &texts)
     }
 }
 
-void publish(const SplitPlan &plan, pdf::Document &document, int workers, const Naming &name,
+/// `before` is the input's state before anything of it was read.
+void publish(const SplitPlan &plan, pdf::Document &document,
+             const std::optional<InputState> &before, int workers, const Naming &name,
              FileResult &result)
 {
     const QString folder = QFileInfo(result.documents.first().file).path();
@@ -142,13 +155,16 @@ void publish(const SplitPlan &plan, pdf::Document &document, int workers, const 
         result.documents[index].bytes = QFileInfo(staging.pathOf(index)).size();
         paths.append(result.documents[index].file);
     }
+    checkNotWritten(document, before);
     holdBackSignals();
     staging.publish(paths, plan.existing == ExistingFiles::Overwrite);
 }
 
 void split(const SplitPlan &plan, const FileJob &job, FileProgress &progress, FileResult &result)
 {
-    pdf::Document document(QFile::encodeName(job.input).toStdString());
+    const std::string path = QFile::encodeName(job.input).toStdString();
+    const std::optional<InputState> before = inputState(path);
+    pdf::Document document(path);
     result.pages = document.pages().count();
     progress.pageCount = result.pages;
     if (result.pages == 0)
@@ -170,7 +186,7 @@ void split(const SplitPlan &plan, const FileJob &job, FileProgress &progress, Fi
     const bool mayBeWritten = plan.isResuming && !plan.isDryRun;
     result.documents = name(mayBeWritten ? [](int, const QString &) { return true; } : IsWritten());
     if (!plan.isDryRun)
-        publish(plan, document, workers, name, result);
+        publish(plan, document, before, workers, name, result);
 }
 
 } // namespace

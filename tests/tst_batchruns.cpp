@@ -244,9 +244,17 @@ private slots:
         QVERIFY(filesIn(output->path()) == expected);
     }
 
-    /// The page is lost on which a worker dies, and no other; the input is not done.
+    /// The page is lost on which a worker dies, and no other; the input is not done. An input that
+    /// is written to meanwhile is lost as a whole.
+    void killedWorker_data()
+    {
+        QTest::addColumn<bool>("isWrittenTo");
+        QTest::newRow("input stays") << false;
+        QTest::newRow("input is written to") << true;
+    }
     void killedWorker()
     {
+        QFETCH(bool, isWrittenTo);
         writeFile(path("slow.pdf"), slowPdf());
         const QJsonObject text =
             jsonLines(batch({"--fragments", "1", "--json", path("slow.pdf")}).output).value(0);
@@ -259,10 +267,19 @@ private slots:
         };
         constexpr double inSecondPage = 0.5;
         QTRY_VERIFY_WITH_TIMEOUT(secondsUsed(worker()) > inSecondPage, timeLimitMs);
+        if (isWrittenTo) {
+            QFile input(path("slow.pdf"));
+            QVERIFY(input.open(QIODevice::ReadWrite) && input.write("%") == 1);
+        }
         QCOMPARE(::kill(worker(), SIGKILL), 0);
         QVERIFY(run->waitForFinished(timeLimitMs));
-        QCOMPARE(run->exitCode(), 4);
+        QCOMPARE(run->exitCode(), isWrittenTo ? 3 : 4);
         const QJsonObject result = jsonLines(run->readAllStandardOutput()).value(0);
+        if (isWrittenTo) {
+            QCOMPARE(result["cause"].toString(), QString("was changed while it was read"));
+            QCOMPARE(namesIn(output->path()), QStringList());
+            return;
+        }
         QCOMPARE(result["verdict"].toString(), QString("pages given up"));
         QCOMPARE(result["complaints"].toArray(),
                  QJsonArray{"page 2: given up: was stopped from outside while it was read"});

@@ -1,11 +1,13 @@
 // SPDX-FileCopyrightText: 2026 The Sendrivo authors
 // SPDX-License-Identifier: GPL-3.0-or-later
 
+#include "split/inputstate.h"
 #include "tests/support/pdfbuilder.h"
 #include "tests/support/pdfreader.h"
 #include "tests/support/privatefolders.h"
 #include "tests/support/toolrunner.h"
 
+#include <QDir>
 #include <QElapsedTimer>
 #include <QProcess>
 #include <QRandomGenerator>
@@ -13,6 +15,9 @@
 #include <QTest>
 
 #include <csignal>
+#include <fcntl.h>
+#include <functional>
+#include <sys/stat.h>
 
 /// Tools that are killed, or whose input changes, while they work: whole files or none.
 class TestInterruptions : public QObject
@@ -23,9 +28,14 @@ private slots:
     void killedToolLeavesWholeFiles();
     void inputChangedWhileItIsRead_data();
     void inputChangedWhileItIsRead();
+    void pagesOfAnotherState_data();
+    void pagesOfAnotherState();
     void readerIsLost_data();
     void readerIsLost();
 };
+
+/// Changes the input or what is recorded of it in the folder.
+using Change = std::function<void(const QString &input, const QString &folder)>;
 
 namespace {
 
@@ -95,12 +105,14 @@ void TestInterruptions::inputChangedWhileItIsRead()
     const QTemporaryDir folder;
     const QString input = folder.filePath("in.pdf");
     const QByteArray bytes = simplePdf(QByteArrayList(pages, showText(20, 100, "page")));
+    const QByteArray otherBytes = simplePdf(QByteArrayList(pages, showText(20, 100, "next")));
     QRandomGenerator random(1);
     for (int round = 0; round < 24; ++round) {
         // Pages whose text is lost are given up one by one.
         const bool isMerge = !isCutOff || round % 2 == 0;
         const QString output = folder.filePath(isMerge ? "out.pdf" : "split_pg_0001.htm");
         writeFile(input, bytes);
+        QVERIFY(recordInputState(QDir::tempPath().toStdString(), input.toStdString()));
         QProcess process;
         start(process, isMerge ? "-merge" : "-htmlformat", folder.path());
         process.waitForFinished(random.bounded(isMerge ? 60 : 150));
@@ -109,7 +121,7 @@ void TestInterruptions::inputChangedWhileItIsRead()
         } else {
             QFile file(input);
             QVERIFY(file.open(QIODevice::ReadWrite));
-            file.write(QByteArray(bytes.size(), '('));
+            file.write(otherBytes);
         }
         QVERIFY(process.state() == QProcess::NotRunning || process.waitForFinished());
         QCOMPARE(process.exitStatus(), QProcess::NormalExit);
@@ -117,12 +129,81 @@ void TestInterruptions::inputChangedWhileItIsRead()
         // file of fewer pages or none.
         const bool isWritten = process.exitCode() == 0;
         QCOMPARE(QFile::exists(output), isWritten);
-        if (isWritten && isMerge)
+        if (isWritten && isMerge) {
             QCOMPARE(pdfreader::pageCount(output), pages);
+            QCOMPARE(pdfreader::pageTexts(output).count("page"), pages);
+        }
         QCOMPARE(process.readAllStandardError().count('\n'), isWritten ? 0 : 1);
         for (const QString &file : namesIn(folder.path()))
             QFile::remove(folder.filePath(file));
     }
+}
+
+void TestInterruptions::pagesOfAnotherState_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<Change>("change");
+    QTest::addColumn<bool>("isRefused");
+    const auto row = [](const char *title, bool isRefused, const Change &change,
+                        const QString &name = "in.pdf") {
+        QTest::newRow(title) << name << change << isRefused;
+    };
+    const auto replace = [](const QString &input, const QString &) {
+        writeFile(input + ".new", readFile(input));
+        ::rename(qPrintable(input + ".new"), qPrintable(input));
+    };
+    const auto overwrite = [](const QString &input, const QString &) {
+        struct stat before = {};
+        ::stat(qPrintable(input), &before);
+        writeFile(input, readFile(input));
+        const timespec times[] = {before.st_atim, before.st_mtim};
+        ::utimensat(AT_FDCWD, qPrintable(input), times, 0);
+    };
+    const auto andReplace = [replace](const Change &change) -> Change {
+        return [replace, change](const QString &input, const QString &folder) {
+            change(input, folder);
+            replace(input, folder);
+        };
+    };
+    row("unchanged", false, [](const QString &, const QString &) {});
+    row("replaced", true, replace);
+    row("replaced, odd name", true, replace, "1 2\nin \".pdf");
+    row("overwritten, same size and time", true, overwrite);
+    // Records that are none for this input, or that another user may have made.
+    row("another file's", false, andReplace([](const QString &input, const QString &folder) {
+            QFile::copy(input, input + "x");
+            QVERIFY(recordInputState(folder.toStdString(), input.toStdString() + "x"));
+        }));
+    row("failed", false, andReplace([](const QString &, const QString &folder) {
+            QVERIFY(!recordInputState(folder.toStdString(), "/missing"));
+        }));
+    row("folder for all", false, andReplace([](const QString &, const QString &folder) {
+            ::chmod(qPrintable(folder), 0777);
+        }));
+    row("link", false, andReplace([](const QString &, const QString &folder) {
+            QFile::rename(folder + "/sendrivo-input-state", folder + "/other");
+            QFile::link("other", folder + "/sendrivo-input-state");
+        }));
+}
+
+void TestInterruptions::pagesOfAnotherState()
+{
+    QFETCH(QString, name);
+    QFETCH(Change, change);
+    QFETCH(bool, isRefused);
+    const QTemporaryDir folder;
+    const QTemporaryDir temporary;
+    const QByteArray before = qgetenv("TMPDIR");
+    qputenv("TMPDIR", temporary.path().toUtf8());
+    const auto restore = qScopeGuard([before] { qputenv("TMPDIR", before); });
+    const QString input = folder.filePath(name);
+    writeFile(input, simplePdf({showText(20, 100, "page")}));
+    QVERIFY(recordInputState(temporary.path().toStdString(), input.toStdString()));
+    change(input, temporary.path());
+    const ToolResult result = mergePages(input, "1", folder.filePath("out.pdf"));
+    QCOMPARE(result.exitCode, isRefused ? 3 : 0);
+    QCOMPARE(result.errors.endsWith(": changed since its pages were read\n"), isRefused);
+    QCOMPARE(QFile::exists(folder.filePath("out.pdf")), !isRefused);
 }
 
 void TestInterruptions::readerIsLost_data()

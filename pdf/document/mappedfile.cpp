@@ -14,34 +14,19 @@
 
 namespace pdf {
 
-namespace {
-
-class Descriptor
+MappedFile::Descriptor::~Descriptor()
 {
-public:
-    explicit Descriptor(int number) : fd(number) {}
-    ~Descriptor()
-    {
-        if (fd >= 0)
-            ::close(fd);
-    }
-    Descriptor(const Descriptor &) = delete;
-    Descriptor &operator=(const Descriptor &) = delete;
-    [[nodiscard]] int get() const { return fd; }
+    if (fd >= 0)
+        ::close(fd);
+}
 
-private:
-    int fd;
-};
-
-} // namespace
-
-MappedFile::MappedFile(const std::string &path) : name(path)
+// Without O_NONBLOCK, opening a named pipe would wait for a writer for ever.
+MappedFile::MappedFile(const std::string &path)
+    : name(path), file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK))
 {
     const auto refuse = [&path](const char *cause) {
         throw Error(ExitCode::InputUnreadable, path + ": " + cause);
     };
-    // Without O_NONBLOCK, opening a named pipe would wait for a writer for ever.
-    const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     struct stat status = {};
     if (file.get() < 0 || ::fstat(file.get(), &status) != 0)
         refuse(std::strerror(errno));

@@ -28,9 +28,25 @@ public:
 
     [[nodiscard]] std::string_view bytes() const { return {data, size}; }
     [[nodiscard]] const std::string &path() const { return name; }
+    /// The open file, whatever its path leads to meanwhile.
+    [[nodiscard]] int descriptor() const { return file.get(); }
 
 private:
+    class Descriptor
+    {
+    public:
+        explicit Descriptor(int number) : fd(number) {}
+        ~Descriptor();
+        Descriptor(const Descriptor &) = delete;
+        Descriptor &operator=(const Descriptor &) = delete;
+        [[nodiscard]] int get() const { return fd; }
+
+    private:
+        int fd;
+    };
+
     std::string name;
+    Descriptor file;
     const char *data = nullptr;
     std::size_t size = 0;
 };

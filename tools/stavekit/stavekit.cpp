@@ -11,9 +11,11 @@
 #include "pdf/document/pageranges.h"
 #include "pdf/isolation/sandbox.h"
 #include "pdf/isolation/supervision.h"
+#include "split/inputstate.h"
 #include "tools/toolmain.h"
 
 #include <cstdlib>
+#include <optional>
 
 namespace {
 
@@ -90,14 +92,36 @@ pdf::ExitCode getInfo(const Request &request)
     return pdf::ExitCode::Done;
 }
 
-pdf::ExitCode merge(const Request &request)
+/// The state in which the input's pages were read, where the window recorded it.
+std::optional<InputState> expectedState(const Request &request)
+{
+    const char *folder = std::getenv("TMPDIR");
+    if (folder == nullptr || request.isInfo)
+        return std::nullopt;
+    return recordedInputState(folder, request.input);
+}
+
+/// Throws Error unless the state is the one that was expected, if any was.
+void checkState(const Request &request, const std::optional<InputState> &expected,
+                const std::optional<InputState> &state)
+{
+    if (expected && state != expected)
+        throw pdf::Error(pdf::ExitCode::InputUnreadable,
+                         request.input + ": changed since its pages were read");
+}
+
+pdf::ExitCode merge(const Request &request, const std::optional<InputState> &expected)
 {
     pdf::Document document(request.input);
+    checkState(request, expected, inputState(document.file().descriptor()));
     std::vector<pdf::PageRange> ranges;
     for (const std::string &text : request.ranges)
         ranges.push_back(pdf::parsePageRange(text, document.pages().count()));
     pdf::OutputFile output(request.output);
-    pdf::assemblePages(document, pdf::pageIndexes(ranges), output, [&output] {
+    pdf::assemblePages(document, pdf::pageIndexes(ranges), output, [&] {
+        // Meanwhile it may have been written to, or replaced.
+        checkState(request, expected, inputState(document.file().descriptor()));
+        checkState(request, expected, inputState(request.input));
         output.publish();
         // The output is in place and nothing is buffered: giving back every object of a large input
         // one by one would only keep the caller waiting.
@@ -112,9 +136,13 @@ pdf::ExitCode run(const std::vector<std::string> &arguments)
     if (pdf::isSameFile(request.input, request.output))
         throw pdf::Error(pdf::ExitCode::Usage, request.output + ": is the input file itself");
     pdf::removeStaleOutput(request.output);
+    const std::optional<InputState> expected = expectedState(request);
+    // Soon, before other pages or damage get the blame. A missing file is one for the reader.
+    if (const std::optional<InputState> state = inputState(request.input))
+        checkState(request, expected, state);
     pdf::continueInChild([&request](const std::string &cause) { fail(request, cause); });
     pdf::confine({{request.input}, {pdf::folderOf(request.output)}});
-    return request.isInfo ? getInfo(request) : merge(request);
+    return request.isInfo ? getInfo(request) : merge(request, expected);
 }
 
 } // namespace
