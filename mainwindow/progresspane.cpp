@@ -3,6 +3,8 @@
 
 #include "mainwindow/progresspane.h"
 
+#include "split/plaintext.h"
+
 #include <QScrollBar>
 #include <QTextCursor>
 #include <QTextEdit>
@@ -20,13 +22,13 @@ ProgressPane::ProgressPane(QTextEdit *shownIn)
 
 void ProgressPane::append(const QString &line)
 {
-    waitingLines.append(line);
+    waitingLines.append(withoutControlCharacters(line));
     showWaitingLines();
 }
 
 void ProgressPane::appendSoon(const QString &line)
 {
-    waitingLines.append(line);
+    waitingLines.append(withoutControlCharacters(line));
     if (!timer->isActive())
         timer->start();
 }

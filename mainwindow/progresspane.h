@@ -10,7 +10,8 @@ class QTextEdit;
 class QTimer;
 
 /// Adds lines to the end of a text view. The view follows its end unless somebody has scrolled up
-/// to read. Lines are plain text: a path with angle brackets is no HTML.
+/// to read. Lines are plain text: a path with angle brackets is no HTML, and one with a line end is
+/// still one line.
 class ProgressPane : public QObject
 {
     Q_OBJECT

@@ -3,6 +3,7 @@
 
 #include "split/outputname.h"
 
+#include "split/plaintext.h"
 #include "split/splitdecision.h"
 
 #include <QTextBoundaryFinder>
@@ -10,17 +11,6 @@
 namespace {
 
 const QLatin1String suffix(".pdf");
-
-QString withoutForbiddenCharacters(QString text)
-{
-    for (QChar &c : text) {
-        if (c == QLatin1Char('/'))
-            c = QLatin1Char('-');
-        else if (c < QChar(0x20) || c == QChar(0x7f))
-            c = QLatin1Char(' ');
-    }
-    return text;
-}
 
 /// The longest beginning of `text` that ends after a whole user-perceived character and takes at
 /// most `bytes` bytes of UTF-8.
@@ -44,20 +34,24 @@ QString cutToBytes(const QString &text, qsizetype bytes)
 
 QString fileNameText(const QString &text, qsizetype maxBytes)
 {
-    return cutToBytes(withoutForbiddenCharacters(text), maxBytes);
+    QString allowed = withoutControlCharacters(text);
+    allowed.replace(QLatin1Char('/'), QLatin1Char('-'));
+    return cutToBytes(allowed, maxBytes);
 }
 
 QString outputFileName(const OutputDocument &document, int methodIndex)
 {
     const QString before = QString::number(document.number) + QLatin1Char(' ');
-    QString after = QLatin1Char(' ') + document.baseName;
+    QString after;
     if (methodIndex != static_cast<int>(SplitMethod::GroupEqualTexts))
         after += QLatin1Char(' ') + document.ranges;
     if (document.copy > 1)
         after += QStringLiteral(" (%1)").arg(document.copy);
     after += suffix;
-    const qsizetype room = maxFileNameBytes - before.toUtf8().size() - after.toUtf8().size();
-    return before + fileNameText(document.text, room) + after;
+    const qsizetype room = maxFileNameBytes - before.size() - 1 - after.size();
+    const QString base = cutToBytes(document.baseName, room);
+    return before + fileNameText(document.text, room - base.toUtf8().size()) + QLatin1Char(' ') +
+           base + after;
 }
 
 QString documentsFolder(const QString &outputFolder, const QString &baseName)

@@ -22,8 +22,9 @@ constexpr int maxFileNameBytes = 255;
 
 /// "NUMBER TEXT BASENAME RANGES.pdf"; with `methodIndex` GroupEqualTexts the ranges, which may be
 /// many, are left out. In the text "/" becomes "-" and control characters become blanks, and the
-/// text is cut after a whole character so that the name fits maxFileNameBytes. The other parts are
-/// never cut: number and range keep the names of one file's documents apart.
+/// text is cut after a whole character so that the name fits maxFileNameBytes. Where that is not
+/// enough the base name is cut, too. The other parts are never cut: number and range keep the names
+/// of one file's documents apart.
 [[nodiscard]] QString outputFileName(const OutputDocument &document, int methodIndex);
 
 /// Where the documents of an input with this base name are.
@@ -33,8 +34,9 @@ constexpr int maxFileNameBytes = 255;
 [[nodiscard]] QString outputPath(const QString &outputFolder, const OutputDocument &document,
                                  int methodIndex);
 
-/// `text` as it may stand in a file name: "/" becomes "-", control characters become blanks, and it
-/// ends after the last whole character that fits `maxBytes` bytes of UTF-8.
+/// `text` as it may stand in a file name: "/" becomes "-", control characters become blanks (see
+/// withoutControlCharacters()), and it ends after the last whole character that fits `maxBytes`
+/// bytes of UTF-8.
 [[nodiscard]] QString fileNameText(const QString &text, qsizetype maxBytes);
 
 /// The first of pathOfCopy(1), pathOfCopy(2), ... that `isFree` accepts, for documents that would

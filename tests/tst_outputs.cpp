@@ -33,8 +33,9 @@ private slots:
         row("no text", " ", "4   report 9-12.pdf");
         row("slash", "01/02/2020", "4 01-02-2020 report 9-12.pdf");
         row("other characters stay", "a:b\\c*?\"<>|", "4 a:b\\c*?\"<>| report 9-12.pdf");
-        row("control characters", QString("a\tb\x7f") + QChar(0x1f) + QChar(0x80),
-            QString("4 a b  ") + QChar(0x80) + " report 9-12.pdf");
+        row("control characters",
+            QString::fromUtf8("a\tb\x7f\x1f\u0085\u009b\u200b\u2028\u202e\u2066c"),
+            "4 a b        c report 9-12.pdf");
         row("as long as fits", QString(237, 'x'), "4 " + QString(237, 'x') + " report 9-12.pdf");
         row("one byte too long", QString(238, 'x'), "4 " + QString(237, 'x') + " report 9-12.pdf");
         row("two-byte letters", QString(200, QChar(0x430)),
@@ -45,8 +46,10 @@ private slots:
         const QString accents = QString::fromUtf8("e\u0301").repeated(100); // 3 bytes each
         row("accents stay on their letters", accents,
             "4 " + QString::fromUtf8("e\u0301").repeated(79) + " report 9-12.pdf");
-        row("no room for the text", "text", "4  " + QString(250, 'b') + " 9-12.pdf", 0,
-            QString(250, 'b'));
+        row("no room for the text", "text", "4  " + QString(243, 'b') + " 9-12.pdf", 0,
+            QString(243, 'b'));
+        row("nor for the base name", "text", "4  " + QString(81, QChar(0x66f8)) + " 9-12.pdf", 0,
+            QString(82, QChar(0x66f8)));
     }
     void name()
     {
@@ -85,7 +88,7 @@ private slots:
         QFETCH(QString, folder);
         QFETCH(QString, file);
         const QString tool = folder + "/stavekit";
-        QCOMPARE(QProcess::splitCommand(pageCountCommand(folder, file)),
+        QCOMPARE(QProcess::splitCommand(pageCountCommand(folder, file, folder + "/fileinfo.txt")),
                  QStringList({tool, file, "-getinfo", "-outfile", folder + "/fileinfo.txt"}));
         QCOMPARE(QProcess::splitCommand(layoutCommand(folder, "/t p", file)),
                  QStringList({folder + "/quillrend", "-htmlformat", file, "/t p/split.xml"}));
@@ -99,7 +102,7 @@ private slots:
     void plainCommandsAreConcatenations()
     {
         QCOMPARE(
-            pageCountCommand("/app", "/in.pdf"),
+            pageCountCommand("/app", "/in.pdf", "/app/fileinfo.txt"),
             QStringLiteral(R"("/app/stavekit" "/in.pdf" -getinfo -outfile "/app/fileinfo.txt")"));
         QCOMPARE(layoutCommand("/app", "/tmp", "/in.pdf"),
                  QStringLiteral(R"("/app/quillrend" -htmlformat "/in.pdf" "/tmp/split.xml")"));
