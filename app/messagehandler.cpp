@@ -3,21 +3,12 @@
 
 #include "app/messagehandler.h"
 
+#include "app/logfile.h"
+
 #include <QFile>
-#include <QStandardPaths>
 #include <QTextStream>
 
 #include <cstdlib>
-
-QString dataFolder()
-{
-    return QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation);
-}
-
-QString logFile()
-{
-    return dataFolder() + QLatin1String("/splitterlog.txt");
-}
 
 void customMessageHandler(QtMsgType type, const QMessageLogContext &, const QString &message)
 {

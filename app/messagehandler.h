@@ -6,13 +6,6 @@
 #include <QString>
 #include <QtGlobal>
 
-/// The user's data folder for this program. It is asked for anew each time, so it follows the
-/// environment.
-[[nodiscard]] QString dataFolder();
-
-/// The log, in the data folder. It holds the messages of the latest run.
-[[nodiscard]] QString logFile();
-
 /// Appends a message to the log as one line, "Debug: ...", "Warning: ..." or "Critical: ..."; an
 /// information message leaves an empty line. A fatal message ends the program and leaves no line.
 /// A message that cannot be written is lost. To be installed with qInstallMessageHandler().

@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Sendrivo authors
 // SPDX-License-Identifier: GPL-3.0-or-later
 
+#include "app/logfile.h"
 #include "app/messagehandler.h"
 #include "tests/support/privatefolders.h"
 

@@ -297,6 +297,7 @@ void TestTools::infoFile()
              QString::fromUtf8("NumberOfPages: 2\n"
                                "PDFVersion: 1.7\n"
                                "Encrypted: no\n"
+                               "Repaired: no\n"
                                "Title: Line one NumberOfPages: 99\n"
                                "Author: Ämü\n"
                                "PageSize: 400.00 x 600.00\n"));

@@ -1,0 +1,13 @@
+// SPDX-FileCopyrightText: 2026 The Sendrivo authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include <QString>
+
+/// The user's data folder for this program. It is asked for anew each time, so it follows the
+/// environment.
+[[nodiscard]] QString dataFolder();
+
+/// The log, in the data folder. It holds the messages of the latest run.
+[[nodiscard]] QString logFile();
