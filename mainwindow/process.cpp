@@ -8,20 +8,21 @@
 #include "options/opdialog.h"
 #include "resources/lightground.h"
 #include "rules/rules.h"
-#include "split/toollog.h"
+#include "split/toolprocesses.h"
 #include "ui_process.h"
 
 #include <QAction>
+#include <QCoreApplication>
 #include <QGuiApplication>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
-#include <QProcess>
 #include <QScreen>
 #include <QTimer>
 
 Process::Process(QWidget *parent)
     : QWidget(parent), ui(std::make_unique<Ui_process>()),
-      optionsDialog(std::make_unique<OpDialog>())
+      optionsDialog(std::make_unique<OpDialog>()), tools(new ToolProcesses(this)),
+      pageInfo(QCoreApplication::applicationDirPath())
 {
     ui->setupUi(this);
     centreOnScreen();
@@ -39,7 +40,15 @@ Process::Process(QWidget *parent)
     progress = new ProgressPane(ui->textEdit_process);
 }
 
-Process::~Process() = default;
+Process::~Process()
+{
+    // Now, while there is still a window for what they would call.
+    tools->endAll();
+    if (layoutReply) {
+        layoutReply->disconnect(this);
+        layoutReply->abort();
+    }
+}
 
 void Process::centreOnScreen()
 {
@@ -116,16 +125,19 @@ void Process::keyReleaseEvent(QKeyEvent *)
 }
 
 /// While page counts are fetched nothing but About and the choices is usable. While a batch runs,
-/// rows are addressed by number, so they must neither move nor go; adding files is fine.
+/// rows are addressed by number, so they must neither move nor go, and what is chosen for the batch
+/// must hold for all its files; adding files is fine.
 void Process::updateControls()
 {
     const bool rowsMayMove = !fetchingPageCounts && !batchRunning;
     ui->openfileButton->setEnabled(!fetchingPageCounts);
-    ui->pushButton_option->setEnabled(!fetchingPageCounts);
     ui->runButton->setEnabled(!fetchingPageCounts);
-    for (QWidget *control :
-         {ui->removeButton, ui->removeallButton, ui->pushButton_up, ui->pushButton_down})
+    for (QWidget *control : {ui->removeButton, ui->removeallButton, ui->pushButton_up,
+                             ui->pushButton_down, ui->pushButton_option})
         control->setEnabled(rowsMayMove);
+    for (QWidget *choice : std::initializer_list<QWidget *>{ui->comboBox_rule, ui->comboBox_method,
+                                                            ui->outputfolderEdit, ui->outputButton})
+        choice->setEnabled(!batchRunning);
     const QList<QAction *> actions = ui->inputfiletableWidget->actions();
     actions.at(2)->setEnabled(rowsMayMove);
     actions.at(3)->setEnabled(rowsMayMove);
@@ -138,25 +150,4 @@ QString Process::cellText(int row, int column) const
 {
     const QTableWidgetItem *item = ui->inputfiletableWidget->item(row, column);
     return item ? item->text() : QString();
-}
-
-void Process::startTool(const QString &command, void (Process::*next)())
-{
-    auto *tool = new QProcess(this);
-    const auto goOn = [this, tool, next] {
-        logComplaints(*tool);
-        tool->deleteLater();
-        (this->*next)();
-    };
-    connect(tool, &QProcess::finished, this, goOn);
-    // A tool that could not be started never finishes. Queued, so that a missing tool does not
-    // make the steps of a long batch call each other deeper and deeper.
-    connect(
-        tool, &QProcess::errorOccurred, this,
-        [goOn](QProcess::ProcessError error) {
-            if (error == QProcess::FailedToStart)
-                goOn();
-        },
-        Qt::QueuedConnection);
-    tool->startCommand(command, QIODevice::ReadWrite);
 }

@@ -4,6 +4,9 @@
 #pragma once
 
 #include "about/aboutdialog.h"
+#include "split/batchinputs.h"
+#include "split/filetrouble.h"
+#include "split/pageinfofile.h"
 #include "split/subtext.h"
 
 #include <QHash>
@@ -17,11 +20,11 @@ class OpDialog;
 class ProgressPane;
 class QNetworkAccessManager;
 class QNetworkReply;
-class QProcess;
 class QTableWidgetItem;
 class QTimer;
 class Rules;
 class SortOnClick;
+class ToolProcesses;
 class Ui_process;
 
 /// The main window: the list of input files, the choice of rule, method and output folder, and the
@@ -30,8 +33,9 @@ class Ui_process;
 ///
 /// - Page counts, after files were added: getpdfpage() -> stavekit -> setpdfpage() -> getpdfpage().
 /// - The split job, after a press of Split, for each file: convertbegin() -> splitPage() ->
-///   quillrend -> setlink() -> for each page getAlltheText() -> read -> gethtm() ->
-///   getTextPosition() -> for each document splitpdffile() -> stavekit; then convertbegin() again.
+///   clearLayouts() -> quillrend -> setlink() -> for each page getAlltheText() -> read -> gethtm()
+///   -> getTextPosition() -> for each document splitpdffile() -> stavekit; then convertbegin()
+///   again.
 ///
 /// Where the slots live:
 ///
@@ -50,6 +54,7 @@ class Process : public QWidget
 
 public:
     explicit Process(QWidget *parent = nullptr);
+    /// Ends the tools that still run. Documents are whole or not there.
     ~Process() override;
     Q_DISABLE_COPY_MOVE(Process)
 
@@ -120,9 +125,6 @@ private:
     void centreOnScreen();
     void updateControls();
     [[nodiscard]] QString cellText(int row, int column) const;
-    /// Starts a tool; when it has ended, or could not be started, `next` is called.
-    void startTool(const QString &command, void (Process::*next)());
-
     void connectPreview();
     void disconnectPreview();
     void clearPendingFiles();
@@ -132,13 +134,26 @@ private:
     void swapRows(int row, int other);
     void listChanged();
 
+    void takePageCount(int row, const QString &info);
+    void stopPageCounts();
+    [[nodiscard]] bool isPageCountPending(int row) const;
+    void goOnWithCountedFile();
+
     void fillRuleList();
 
+    void beginBatch();
     void endBatch();
+    void endFile();
     void writeVerdict(int row);
-    void removeEarlierLayouts();
+    void collectLayouts();
+    void clearLayouts();
+    void convertFile();
     void requestLayout(int page);
+    void checkPageCount();
     [[nodiscard]] QString nextOutputPath();
+    [[nodiscard]] QString currentDocumentName() const;
+    void removeEarlierDocument(const QString &document);
+    void documentEnded(const QString &document, const QString &complaint);
 
     std::unique_ptr<Ui_process> ui;
     AboutDialog aboutBox;
@@ -148,24 +163,31 @@ private:
     SortOnClick *sorting = nullptr;
     ProgressPane *progress = nullptr;
     QNetworkAccessManager *fileReader = nullptr;
+    ToolProcesses *tools = nullptr;
 
     // Page counts still to be fetched: paths, their rows as decimal texts, and the next entry.
     QStringList pendingFiles;
     QStringList pendingRows;
     int loadIndex = 0;
     bool fetchingPageCounts = false;
+    bool pageCountsStopped = false; ///< no count can be fetched any more
+    PageInfoFile pageInfo;
+    QString pageInfoPath;       ///< of the count under way
+    QString pageCountComplaint; ///< of the tool that has counted last
 
     // The split job.
     bool batchRunning = false;
-    bool fileFinished = false; ///< convertbegin() is to go on with the running batch
-    int fileIndex = 0;         ///< row now processed; also the number of files finished
-    int fileCount = 0;         ///< rows in this batch
-    int pageCount = 1;         ///< pages of the current file
-    int currentPage = 1;       ///< next page to analyse, 1-based
-    QStringList pageTexts;     ///< text at the rule's position, for each page analysed
-    QStringList layoutLines;   ///< lines of the page analysed last
+    bool fileFinished = false;        ///< convertbegin() is to go on with the running batch
+    bool waitingForPageCount = false; ///< the current file was added while the batch ran
+    int fileIndex = 0;                ///< row now processed; also the number of files finished
+    int fileCount = 0;                ///< rows in this batch
+    int pageCount = 1;                ///< pages of the current file
+    int currentPage = 1;              ///< next page to analyse, 1-based
+    QStringList pageTexts;            ///< text at the rule's position, for each page analysed
+    QStringList layoutLines;          ///< lines of the page analysed last
     QPointer<QNetworkReply> layoutReply;
-    int layoutPagesLeft = 0; ///< pages whose layout files an earlier file may have left
+    QString layoutFolder;       ///< where the current file's layouts are; empty when there is none
+    QStringList earlierLayouts; ///< layout files of earlier files that are still to be removed
     int ruleXpos = 0;
     int ruleYpos = 0;
     int ruleWid = 0;
@@ -176,4 +198,6 @@ private:
     int mergeIndex = 0;                    ///< next entry of rangeList to write
     QString outputFile;                    ///< document started last
     QHash<QString, QString> inputOfOutput; ///< documents of this batch and where they came from
+    BatchInputs inputs;
+    FileTrouble trouble; ///< with the current file
 };

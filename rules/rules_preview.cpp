@@ -6,7 +6,7 @@
 #include "rules/settingsfile.h"
 #include "split/layoutscan.h"
 #include "split/toolcommands.h"
-#include "split/toollog.h"
+#include "split/toolprocesses.h"
 #include "ui_rules.h"
 
 #include <QCoreApplication>
@@ -112,7 +112,9 @@ void Rules::generatePNGfile(QString pdffile, int page, QString pngfile)
     QProcess converter;
     converter.startCommand(command, QIODevice::ReadWrite);
     converter.waitForFinished(converterTimeoutMs);
-    logComplaints(converter);
+    const QString complaint = complaintOf(converter);
+    if (!complaint.isEmpty())
+        qWarning().noquote() << complaint;
     if (converter.error() != QProcess::FailedToStart) {
         hasConverted = true;
     } else if (hasConverted) {

@@ -1,23 +1,18 @@
 // SPDX-FileCopyrightText: 2026 The Sendrivo authors
 // SPDX-License-Identifier: GPL-3.0-or-later
 
+#include "app/logfile.h"
 #include "mainwindow/process.h"
 #include "mainwindow/progresspane.h"
 #include "rules/rulestore.h"
 #include "rules/settingsfile.h"
 #include "split/splitdecision.h"
-#include "split/toolcommands.h"
 #include "ui_process.h"
 
-#include <QCoreApplication>
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QMessageBox>
 #include <QSettings>
-#include <QStandardPaths>
-
-#include <algorithm>
 
 void Process::convertbegin()
 {
@@ -47,12 +42,12 @@ void Process::convertbegin()
     if (fileIndex < fileCount) {
         batchRunning = true;
         updateControls();
-        if (fileIndex == 0) {
-            inputOfOutput.clear();
-            progress->append(tr("Conversion Start:"));
-        }
+        if (fileIndex == 0)
+            beginBatch();
         progress->append(cellText(fileIndex, 0));
-        splitPage();
+        waitingForPageCount = isPageCountPending(fileIndex);
+        if (!waitingForPageCount)
+            splitPage();
         return;
     }
     fileIndex = 0;
@@ -60,11 +55,25 @@ void Process::convertbegin()
     endBatch();
 }
 
+void Process::beginBatch()
+{
+    inputOfOutput.clear();
+    inputs.clear();
+    // A verdict that is still there would look like one of this batch.
+    for (int row = 0; row < fileCount; ++row)
+        delete ui->inputfiletableWidget->takeItem(row, 3);
+    progress->append(tr("Conversion Start:"));
+}
+
 QStringList Process::splitPage()
 {
     pageTexts.clear();
+    trouble.clear();
     // A file without a single document must not be judged by the last one of the file before it.
     outputFile.clear();
+    // Files can be added, but not moved or removed, while a batch runs.
+    for (int row = inputs.count(); row < ui->inputfiletableWidget->rowCount(); ++row)
+        inputs.add(cellText(row, 0));
     const QSettings settings(settingsFileName(), QSettings::IniFormat);
     const Subtext rule = readRule(settings, ui->comboBox_rule->currentText());
     ruleXpos = rule.left;
@@ -72,18 +81,17 @@ QStringList Process::splitPage()
     ruleWid = rule.width;
     ruleHei = rule.height;
     ruleText = rule.text;
-    removeEarlierLayouts();
-    startTool(layoutCommand(QCoreApplication::applicationDirPath(),
-                            QStandardPaths::writableLocation(QStandardPaths::TempLocation),
-                            cellText(fileIndex, 0)),
-              &Process::setlink);
+    collectLayouts();
+    clearLayouts();
     return {};
 }
 
 void Process::setlink()
 {
     const QString baseName = QFileInfo(cellText(fileIndex, 0)).baseName();
-    QDir(ui->outputfolderEdit->text()).mkdir(baseName);
+    const QDir folder(ui->outputfolderEdit->text());
+    if (!baseName.isEmpty() && !folder.mkdir(baseName) && !folder.exists(baseName))
+        trouble.note(folder.filePath(baseName) + QLatin1String(": this folder cannot be made"));
     getAlltheText();
 }
 
@@ -96,11 +104,23 @@ void Process::getAlltheText()
         ++currentPage;
         return;
     }
+    checkPageCount();
     currentPage = 1;
     const SplitDecision decision = decideSplit(pageTexts, ui->comboBox_method->currentIndex());
     rangeList = decision.rangeList;
     textList = decision.textList;
     splitpdffile();
+}
+
+void Process::endFile()
+{
+    mergeIndex = 0;
+    rangeList.clear();
+    textList.clear();
+    pageTexts.clear();
+    ++fileIndex;
+    fileFinished = true;
+    convertbegin();
 }
 
 void Process::endBatch()
@@ -111,18 +131,13 @@ void Process::endBatch()
 
 void Process::writeVerdict(int row)
 {
-    const bool isWritten = QFile::exists(outputFile) && !cellText(row, 1).isEmpty();
-    ui->inputfiletableWidget->setItem(
-        row, 3, new QTableWidgetItem(isWritten ? tr("Succeed") : tr("Failed")));
-}
-
-/// When the converter fails on a page or does not even start, the page has no text: it must not
-/// get the text of the same page of an earlier file.
-void Process::removeEarlierLayouts()
-{
-    const QString folder = QStandardPaths::writableLocation(QStandardPaths::TempLocation);
-    const int pages = cellText(fileIndex, 1).toInt();
-    for (int page = 1; page <= std::min(pages, layoutPagesLeft); ++page)
-        QFile::remove(layoutFile(folder, page));
-    layoutPagesLeft = std::max(layoutPagesLeft, pages);
+    const bool isWritten = QFileInfo(outputFile).isFile() && !cellText(row, 1).isEmpty();
+    const bool hasSucceeded = isWritten && !trouble.hasFailed();
+    auto *item = new QTableWidgetItem(hasSucceeded ? tr("Succeed") : tr("Failed"));
+    const QTableWidgetItem *pages = ui->inputfiletableWidget->item(row, 1);
+    if (!trouble.lastComplaint().isEmpty())
+        item->setToolTip(complaintToolTip(trouble.lastComplaint(), logFile()));
+    else if (!hasSucceeded && pages)
+        item->setToolTip(pages->toolTip());
+    ui->inputfiletableWidget->setItem(row, 3, item);
 }

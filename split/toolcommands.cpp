@@ -3,6 +3,8 @@
 
 #include "split/toolcommands.h"
 
+#include <QStringList>
+
 #include <algorithm>
 
 namespace {
@@ -26,15 +28,15 @@ QString quotedPath(const QString &path)
     return QLatin1Char('"') + escaped + QLatin1Char('"');
 }
 
-QString pageInfoFile(const QString &appFolder)
+QString pageInfoFile(const QString &folder)
 {
-    return appFolder + QLatin1String("/fileinfo.txt");
+    return folder + QLatin1String("/fileinfo.txt");
 }
 
-QString pageCountCommand(const QString &appFolder, const QString &input)
+QString pageCountCommand(const QString &appFolder, const QString &input, const QString &infoFile)
 {
     return quotedStavekit(appFolder) + QLatin1Char(' ') + quotedPath(input) +
-           QLatin1String(" -getinfo -outfile ") + quotedPath(pageInfoFile(appFolder));
+           QLatin1String(" -getinfo -outfile ") + quotedPath(infoFile);
 }
 
 QString layoutCommand(const QString &appFolder, const QString &temporaryFolder,
@@ -46,6 +48,11 @@ QString layoutCommand(const QString &appFolder, const QString &temporaryFolder,
 QString layoutFile(const QString &temporaryFolder, int page)
 {
     return temporaryFolder + QString::asprintf("/split_pg_%04d.htm", page);
+}
+
+bool isLayoutFile(const QString &name)
+{
+    return name.startsWith(QLatin1String("split_pg_")) && name.endsWith(QLatin1String(".htm"));
 }
 
 QString previewCommand(const QString &appFolder, const QString &input, int page,
@@ -87,4 +94,14 @@ QString pageCountDigits(const QString &info)
     const auto isNoDigit = [](QChar c) { return c < QLatin1Char('0') || c > QLatin1Char('9'); };
     const auto end = std::find_if(info.begin() + begin, info.end(), isNoDigit);
     return info.mid(begin, (end - info.begin()) - begin);
+}
+
+QString pageInfoValue(const QString &info, QLatin1String key)
+{
+    const QString wanted = key + QLatin1String(": ");
+    const QStringList lines = info.split(QLatin1Char('\n'));
+    const auto line = std::find_if(lines.begin(), lines.end(), [&wanted](const QString &candidate) {
+        return candidate.startsWith(wanted);
+    });
+    return line == lines.end() ? QString() : line->mid(wanted.size());
 }

@@ -12,11 +12,12 @@
 /// `path` in double quotes; a double quote inside it is written as three, which stands for one.
 [[nodiscard]] QString quotedPath(const QString &path);
 
-/// The file through which stavekit reports a page count.
-[[nodiscard]] QString pageInfoFile(const QString &appFolder);
+/// The file in `folder` through which stavekit reports a page count; see PageInfoFile.
+[[nodiscard]] QString pageInfoFile(const QString &folder);
 
-/// stavekit writes the page count of `input` into pageInfoFile().
-[[nodiscard]] QString pageCountCommand(const QString &appFolder, const QString &input);
+/// stavekit writes the page count of `input` into `infoFile`.
+[[nodiscard]] QString pageCountCommand(const QString &appFolder, const QString &input,
+                                       const QString &infoFile);
 
 /// quillrend writes a layout file for every page of `input` into `temporaryFolder`.
 [[nodiscard]] QString layoutCommand(const QString &appFolder, const QString &temporaryFolder,
@@ -24,6 +25,9 @@
 
 /// The layout file of a page (1-based) that layoutCommand() leaves.
 [[nodiscard]] QString layoutFile(const QString &temporaryFolder, int page);
+
+/// Whether layoutCommand() may have left a file of this name.
+[[nodiscard]] bool isLayoutFile(const QString &name);
 
 /// quillrend writes the layout file and the image of a page (1-based) of `input`, or of every page
 /// when `page` is 0; `output` is the name that theirs are derived from.
@@ -43,3 +47,7 @@
 /// The digits after "NumberOfPages: " in the text of a page-count file; empty when the tool could
 /// not read the input.
 [[nodiscard]] QString pageCountDigits(const QString &info);
+
+/// The value of a further line "KEY: value" of a page-count file, such as "Error", which says why
+/// there is no count; empty when there is no such line.
+[[nodiscard]] QString pageInfoValue(const QString &info, QLatin1String key);

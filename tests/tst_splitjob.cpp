@@ -216,8 +216,9 @@ private slots:
     void guardedWhileRunning()
     {
         const QStringList inputs = workPaths({"one.pdf", "two.pdf"});
-        const auto controls = {"removeButton", "removeallButton", "pushButton_up",
-                               "pushButton_down"};
+        const auto controls = {"removeButton",     "removeallButton", "pushButton_up",
+                               "pushButton_down",  "comboBox_rule",   "comboBox_method",
+                               "outputfolderEdit", "outputButton",    "pushButton_option"};
         WindowDriver driver;
         QVERIFY(driver.add(inputs));
         choose(driver);
@@ -239,6 +240,28 @@ private slots:
         QCOMPARE(driver.column(3).mid(0, 2), QStringList({"Succeed", "Succeed"}));
     }
 
+    /// A document takes the place neither of an input nor of another input's document.
+    void namesInUse()
+    {
+        const QString one = workPath("one.pdf");
+        QVERIFY(QDir().mkpath("a") && QDir().mkpath("b") && QDir(output->path()).mkpath("one"));
+        const QStringList inputs = {one, output->filePath("one/1 X one 1-2.pdf"),
+                                    workPath("a/.pdf"), workPath("b/.pdf")};
+        for (const QString &input : inputs)
+            QVERIFY(input == one || QFile::copy(one, input));
+        QVERIFY(QFile::link(output->filePath("one"), workPath("linked")));
+        WindowDriver driver;
+        QVERIFY(driver.add({one, workPath("linked/1 X one 1-2.pdf"), inputs[2], inputs[3]}));
+        choose(driver);
+        QVERIFY(driver.split());
+        QCOMPARE(driver.column(3), QStringList(4, "Succeed"));
+        QCOMPARE(documents(output->filePath("one"), one),
+                 QStringList({"1 X one 1-2.pdf: 1 2 3", "2 Y one 3.pdf: 3"}));
+        QVERIFY(QFile::exists(output->filePath("one/1 X one 1-2 (2).pdf")));
+        QCOMPARE(QDir(output->path()).entryList(QDir::Files | QDir::Hidden),
+                 QStringList({"1 X  1-2 (2).pdf", "1 X  1-2.pdf", "2 Y  3 (2).pdf", "2 Y  3.pdf"}));
+    }
+
     void outputFolderLostBetweenFiles()
     {
         const QStringList inputs = workPaths({"one.pdf", "two.pdf", "in.pdf"});
@@ -257,22 +280,6 @@ private slots:
         QVERIFY(driver.split()); // goes on with the second file
         QCOMPARE(driver.progress().filter("Conversion Start:").size(), 1);
         QCOMPARE(driver.column(3).mid(1), QStringList({"Succeed", "Succeed"}));
-    }
-
-    /// Without its page layouts a file has no texts: least of all those of an earlier file.
-    void converterMissing()
-    {
-        WindowDriver driver;
-        QVERIFY(driver.add(workPaths({"one.pdf", "two.pdf"})));
-        choose(driver);
-        QVERIFY(driver.split());
-        const QString tool = QCoreApplication::applicationDirPath() + "/quillrend";
-        QVERIFY(QFile::rename(tool, tool + ".away"));
-        const auto backAgain = qScopeGuard([&] { QFile::rename(tool + ".away", tool); });
-        output = std::make_unique<QTemporaryDir>();
-        choose(driver);
-        QVERIFY(driver.split());
-        QCOMPARE(documentsOf(workPath("two.pdf")), QStringList({"1   two 1-3.pdf: 1 2 3"}));
     }
 };
 
