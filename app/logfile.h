@@ -9,5 +9,6 @@
 /// environment.
 [[nodiscard]] QString dataFolder();
 
-/// The log, in the data folder. It holds the messages of the latest run.
+/// The log, in the data folder, readable for its owner only: it names the user's files. It holds
+/// the messages of the latest run.
 [[nodiscard]] QString logFile();

@@ -12,12 +12,16 @@
 #include <QDebug>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 
 namespace {
 
 void startLog()
 {
-    QDir().mkpath(dataFolder());
+    // The log names the user's files. A folder that is there already is left as it is.
+    const QFileInfo folder(dataFolder());
+    QDir().mkpath(folder.path());
+    QDir().mkdir(folder.filePath(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     QFile::remove(logFile());
 }
 

@@ -29,7 +29,7 @@ void customMessageHandler(QtMsgType type, const QMessageLogContext &, const QStr
         break;
     }
     QFile file(logFile());
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Append))
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Append, QFile::ReadOwner | QFile::WriteOwner))
         return;
     QTextStream stream(&file);
     stream.setEncoding(QStringConverter::System);

@@ -29,6 +29,8 @@ QStringList temporaryFolders()
     return QDir(QDir::tempPath()).entryList({"sendrivo-*"}, QDir::Dirs);
 }
 
+constexpr QFile::Permissions others = QFile::ReadGroup | QFile::ReadOther | QFile::ExeOther;
+
 /// The program, ended by a signal as a logout or Ctrl-C does.
 struct Run : QProcess
 {
@@ -50,7 +52,7 @@ class TestStartup : public QObject
 
 private slots:
     void initTestCase() { QCoreApplication::setApplicationName("sendrivo"); }
-    void init() { QFile::remove(logFile()); }
+    void init() { QVERIFY(QDir(dataFolder()).removeRecursively()); }
 
     void messages_data()
     {
@@ -101,8 +103,10 @@ private slots:
         QTRY_COMPARE(temporaryFolders().size(), 2);
         for (const QString &name : temporaryFolders()) {
             const QFileInfo folder(QDir::temp().filePath(name));
-            QCOMPARE(folder.permissions() & (QFile::ReadGroup | QFile::ReadOther), 0);
+            QCOMPARE(folder.permissions() & others, 0);
         }
+        QCOMPARE(QFileInfo(dataFolder()).permissions() & others, 0);
+        QCOMPARE(QFileInfo(logFile()).permissions() & others, 0);
         QVERIFY(first.end(signal));
         QCOMPARE(first.readAllStandardError(), QByteArray());
         QTRY_COMPARE(temporaryFolders().size(), 1);
