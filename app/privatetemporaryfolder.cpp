@@ -3,22 +3,40 @@
 
 #include "app/privatetemporaryfolder.h"
 
+#include "app/claimedfolder.h"
+
 #include <QDir>
 #include <QFile>
 
-PrivateTemporaryFolder::PrivateTemporaryFolder()
-    : earlierFolder(qgetenv("TMPDIR")), folder(QDir::tempPath() + QLatin1String("/sendrivo-XXXXXX"))
+#include <cstdlib>
+
+PrivateTemporaryFolder::PrivateTemporaryFolder() : earlierFolder(qgetenv("TMPDIR"))
 {
-    if (folder.isValid())
-        qputenv("TMPDIR", QFile::encodeName(folder.path()));
-    else
-        qWarning("No private temporary folder: %s", qUtf8Printable(folder.errorString()));
+    const QByteArray parent = QFile::encodeName(QDir::tempPath());
+    removeAbandonedFolders(parent, "sendrivo-");
+    QByteArray name = parent + "/sendrivo-XXXXXX";
+    if (!::mkdtemp(name.data())) { // for its owner only
+        qErrnoWarning("No private temporary folder in %s", parent.constData());
+        return;
+    }
+    path = name;
+    folder = claimFolder(path);
+    qputenv("TMPDIR", path);
 }
 
 PrivateTemporaryFolder::~PrivateTemporaryFolder()
 {
+    if (path.isEmpty())
+        return;
+    remove();
     if (earlierFolder.isEmpty())
         qunsetenv("TMPDIR");
     else
         qputenv("TMPDIR", earlierFolder);
+}
+
+void PrivateTemporaryFolder::remove() const
+{
+    if (!path.isEmpty())
+        removeClaimedFolder(folder, path);
 }

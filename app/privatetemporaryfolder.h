@@ -3,11 +3,14 @@
 
 #pragma once
 
-#include <QTemporaryDir>
+#include "app/folderdescriptor.h"
+
+#include <QByteArray>
 
 /// A temporary folder that only this process and the tools it starts use: page texts of one window
 /// must never be read by another window or another user. While the object lives it is the process's
-/// temporary folder (TMPDIR); with the object it is removed.
+/// temporary folder (TMPDIR); with the object it is removed. Those that killed windows left behind
+/// are removed when one is made.
 ///
 /// When no such folder can be made the temporary folder stays as it was.
 class PrivateTemporaryFolder
@@ -17,7 +20,11 @@ public:
     ~PrivateTemporaryFolder();
     Q_DISABLE_COPY_MOVE(PrivateTemporaryFolder)
 
+    /// Removes the folder before its time: for a program that ends without its destructors.
+    void remove() const;
+
 private:
     QByteArray earlierFolder;
-    QTemporaryDir folder; // made with permissions for its owner only
+    QByteArray path;
+    FolderDescriptor folder; ///< holds the lock that says that the window lives
 };

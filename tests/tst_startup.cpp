@@ -9,10 +9,11 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QProcess>
-#include <QSettings>
+#include <QTemporaryDir>
 #include <QTest>
 
 #include <csignal>
+#include <optional>
 #include <unistd.h>
 
 namespace {
@@ -35,6 +36,11 @@ constexpr QFile::Permissions others = QFile::ReadGroup | QFile::ReadOther | QFil
 struct Run : QProcess
 {
     Run() { start(SENDRIVO_PROGRAM, QStringList()); }
+    ~Run() override
+    {
+        kill();
+        waitForFinished();
+    }
 
     [[nodiscard]] bool end(int signal)
     {
@@ -52,7 +58,12 @@ class TestStartup : public QObject
 
 private slots:
     void initTestCase() { QCoreApplication::setApplicationName("sendrivo"); }
-    void init() { QVERIFY(QDir(dataFolder()).removeRecursively()); }
+    void init()
+    {
+        QVERIFY(QDir(dataFolder()).removeRecursively());
+        temporary.emplace(QDir::homePath() + "/XXXXXX");
+        qputenv("TMPDIR", QFile::encodeName(temporary->path()));
+    }
 
     void messages_data()
     {
@@ -102,8 +113,7 @@ private slots:
         Run second;
         QTRY_COMPARE(temporaryFolders().size(), 2);
         for (const QString &name : temporaryFolders()) {
-            const QFileInfo folder(QDir::temp().filePath(name));
-            QCOMPARE(folder.permissions() & others, 0);
+            QCOMPARE(QFileInfo(QDir::temp().filePath(name)).permissions() & others, 0);
         }
         QCOMPARE(QFileInfo(dataFolder()).permissions() & others, 0);
         QCOMPARE(QFileInfo(logFile()).permissions() & others, 0);
@@ -114,6 +124,56 @@ private slots:
         QCOMPARE(temporaryFolders().size(), 0);
         QCOMPARE(logLines().filter("Current path:").size(), 1);
     }
+
+    /// What a killed window leaves goes when the next one starts, and nothing else.
+    void nextStart_data()
+    {
+        QTest::addColumn<bool>("stays");
+        QTest::newRow("killed") << false;
+        QTest::newRow("living") << true;
+        QTest::newRow("of another user") << true;
+        QTest::newRow("not made by a window") << true;
+        QTest::newRow("behind a link") << true;
+    }
+    void nextStart()
+    {
+        QFETCH(bool, stays);
+        const QByteArray row = QTest::currentDataTag();
+        Run window;
+        QTRY_COMPARE(temporaryFolders().size(), 1);
+        const QString name = temporaryFolders().constFirst();
+        const QString folder = QDir::temp().filePath(name);
+        const QString mark = folder + "/.sendrivo-window";
+        QTRY_VERIFY(QFileInfo::exists(mark));
+        const QTemporaryDir elsewhere(QDir::homePath() + "/XXXXXX");
+        QVERIFY(QDir(folder).mkpath("inner"));
+        QVERIFY(QFile::copy(logFile(), elsewhere.filePath("text")));
+        QVERIFY(QFile::link(elsewhere.path(), folder + "/inner/link"));
+        if (row != "living") {
+            window.kill();
+            QVERIFY(window.waitForFinished());
+        }
+        if (row == "of another user" && ::chown(QFile::encodeName(folder), 65534, 65534) != 0)
+            QSKIP("Only root can make a folder of another user.");
+        if (row == "not made by a window")
+            QVERIFY(QFile::remove(mark));
+        if (row == "behind a link") {
+            QVERIFY(QFile::rename(folder, elsewhere.filePath("folder")));
+            QVERIFY(QFile::link(elsewhere.filePath("folder"), folder));
+        }
+        Run next;
+        const auto foldersOfNext = [&name] {
+            QStringList names = temporaryFolders();
+            names.removeAll(name);
+            return names.size();
+        };
+        QTRY_COMPARE(foldersOfNext(), 1);
+        QCOMPARE(QFileInfo::exists(folder + "/inner/link"), stays);
+        QVERIFY(QFileInfo::exists(elsewhere.filePath("text")));
+    }
+
+private:
+    std::optional<QTemporaryDir> temporary; // each test's own
 };
 
 SENDRIVO_TEST_MAIN(TestStartup, QCoreApplication)
