@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Sendrivo authors
 // SPDX-License-Identifier: GPL-3.0-or-later
 
+#include "app/displaycheck.h"
 #include "app/logfile.h"
 #include "app/messagehandler.h"
 #include "app/plugins.h"
@@ -13,6 +14,8 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+
+#include <optional>
 
 namespace {
 
@@ -36,7 +39,14 @@ int main(int argc, char *argv[])
     qInstallMessageHandler(customMessageHandler);
     QuitOnSignal quitOnSignal;
     const PrivateTemporaryFolder temporaryFolder;
+    std::optional<DisplayCheck> displayCheck;
+    displayCheck.emplace("sendrivo: no usable display: is DISPLAY or WAYLAND_DISPLAY that of a "
+                         "running one?\n",
+                         &temporaryFolder);
     const QApplication application(argc, argv);
+    if (QGuiApplication::screens().isEmpty())
+        qFatal("No screen"); // which Qt itself would notice only when a window is shown
+    displayCheck.reset();
     quitOnSignal.connectToApplication();
     usePlugins();
     startLog();

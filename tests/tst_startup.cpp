@@ -172,6 +172,31 @@ private slots:
         QVERIFY(QFileInfo::exists(elsewhere.filePath("text")));
     }
 
+    void noDisplay_data()
+    {
+        QTest::addColumn<QString>("program");
+        QTest::newRow("window") << SENDRIVO_PROGRAM;
+        QTest::newRow("options") << SENDRIVO_OPTIONS_PROGRAM;
+    }
+    void noDisplay()
+    {
+        QFETCH(QString, program);
+        QProcess run;
+        auto environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("QT_QPA_PLATFORM", "xcb");
+        environment.insert("DISPLAY", "nowhere:7");
+        run.setProcessEnvironment(environment);
+        run.start(program, QStringList());
+        QVERIFY(run.waitForFinished());
+        QCOMPARE(run.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(run.exitCode(), 1);
+        const QByteArray complaint = run.readAllStandardError();
+        QVERIFY2(complaint.startsWith(QFileInfo(program).fileName().toUtf8() + ": no usable"),
+                 complaint);
+        QCOMPARE(complaint.count('\n'), 1);
+        QCOMPARE(QDir::temp().entryList(QDir::AllEntries | QDir::NoDotAndDotDot), QStringList());
+    }
+
 private:
     std::optional<QTemporaryDir> temporary; // each test's own
 };
