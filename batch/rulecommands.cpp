@@ -102,6 +102,8 @@ void saveNewRule(const BatchOptions &options)
     if (isRuleNameTaken(settings, options.newRuleName))
         refuse(
             QStringLiteral("--save-rule: there is a rule \"%1\" already").arg(options.newRuleName));
+    if (!isRuleNameAllowed(options.newRuleName))
+        refuse(QStringLiteral("--save-rule: a name must not be \"zeph\" or contain a \"/\""));
     Subtext rule;
     rule.left = options.position->first;
     rule.top = options.position->second;

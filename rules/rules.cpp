@@ -7,6 +7,7 @@
 #include "rules/settingsfile.h"
 #include "ui_rules.h"
 
+#include <QFileInfo>
 #include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -121,21 +122,27 @@ void Rules::wheelEvent(QWheelEvent *event)
 
 bool Rules::setsave()
 {
-    const QString name = ui->lineEdit_rule->text();
-    if (name.isEmpty()) {
-        QMessageBox::warning(this, tr("Empty Rule Name"), tr("Please input rule name"),
-                             QMessageBox::Ok);
+    const auto refuse = [this](const QString &title, const QString &text) {
+        QMessageBox::warning(this, title, text, QMessageBox::Ok);
         return false;
-    }
+    };
+    const QString name = ui->lineEdit_rule->text();
+    if (name.isEmpty())
+        return refuse(tr("Empty Rule Name"), tr("Please input rule name"));
     {
         QSettings settings(settingsFileName(), QSettings::IniFormat);
-        if (isRuleNameTaken(settings, name)) {
-            QMessageBox::warning(this, tr("Existed Rule Name"),
-                                 tr("The rule name has been used, Please input another one"),
-                                 QMessageBox::Ok);
-            return false;
-        }
-        saveRule(settings, name, currentRule);
+        if (isRuleNameTaken(settings, name))
+            return refuse(tr("Existed Rule Name"),
+                          tr("The rule name has been used, Please input another one"));
+        if (!isRuleNameAllowed(name))
+            return refuse(tr("Invalid Rule Name"),
+                          tr("The rule name must not be \"zeph\" or contain a \"/\", Please input "
+                             "another one"));
+        if (!saveRule(settings, name, currentRule))
+            return refuse(tr("Rule Not Saved"),
+                          tr("The rule could not be saved in %1. %2")
+                              .arg(QFileInfo(settings.fileName()).absoluteFilePath(),
+                                   writeObstacle(settings.fileName())));
     }
     accept();
     return true;

@@ -90,7 +90,8 @@ public slots:
     /// Shows the page that the spin box names.
     void setPageChange();
     /// Stores the candidate under the name that was typed and closes the dialog as accepted.
-    /// Returns false, after telling the user, when the name is empty or taken.
+    /// Returns false, after telling the user, when the name is empty, taken or not allowed, or when
+    /// the settings file cannot be written.
     bool setsave();
     /// Goes to the next page.
     void setpageup();

@@ -4,8 +4,10 @@
 #include "rules/rulestore.h"
 
 #include <QSettings>
+#include <QVariant>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -70,18 +72,37 @@ Subtext readRule(const QSettings &settings, const QString &name)
     return rule;
 }
 
-void saveRule(QSettings &settings, const QString &name, const Subtext &fragment)
+bool isRuleNameAllowed(const QString &name)
 {
-    settings.setValue(flagKey(name), QStringLiteral("1"));
-    settings.setValue(currentRuleKey, name);
-    const auto store = [&](const char *key, const QString &value) {
-        settings.setValue(ruleKey(name, QLatin1String(key)), value);
+    return !name.contains(QLatin1Char('/')) && name != flagGroup;
+}
+
+bool saveRule(QSettings &settings, const QString &name, const Subtext &fragment)
+{
+    // The settings library keeps what it could not write, shows it to every reader in the program,
+    // and writes it whenever it can.
+    QList<std::pair<QString, QVariant>> former;
+    const auto store = [&](const QString &key, const QString &value) {
+        former.append({key, settings.value(key)});
+        settings.setValue(key, value);
     };
-    store("xpos", QString::number(fragment.left));
-    store("ypos", QString::number(fragment.top));
-    store("wid", QString::number(fragment.width));
-    store("hei", QString::number(fragment.height));
-    store("text", fragment.text);
+    store(flagKey(name), QStringLiteral("1"));
+    store(currentRuleKey, name);
+    store(ruleKey(name, QLatin1String("xpos")), QString::number(fragment.left));
+    store(ruleKey(name, QLatin1String("ypos")), QString::number(fragment.top));
+    store(ruleKey(name, QLatin1String("wid")), QString::number(fragment.width));
+    store(ruleKey(name, QLatin1String("hei")), QString::number(fragment.height));
+    store(ruleKey(name, QLatin1String("text")), fragment.text);
+    settings.sync();
+    if (settings.status() != QSettings::AccessError)
+        return true;
+    for (const auto &[key, value] : std::as_const(former)) {
+        if (value.isValid())
+            settings.setValue(key, value);
+        else
+            settings.remove(key);
+    }
+    return false;
 }
 
 QString currentRuleName(const QSettings &settings)

@@ -27,9 +27,16 @@ class QSettings;
 /// The rectangle and text stored under `name`; missing or unreadable numbers are 0.
 [[nodiscard]] Subtext readRule(const QSettings &settings, const QString &name);
 
+/// Whether a rule `name` would be listed again and leave the other rules alone. Of a name with "/"
+/// the settings library makes a sub-group, which ruleNames() does not list; and the numbers of a
+/// rule "zeph" would be listed as rules themselves. The names of the other groups do no harm: their
+/// keys are unlike those of a rule. Such rules of earlier versions can still be read.
+[[nodiscard]] bool isRuleNameAllowed(const QString &name);
+
 /// Stores `fragment` as rule `name` and makes it the current rule. The caller has made sure that
-/// the name is not empty and not taken.
-void saveRule(QSettings &settings, const QString &name, const Subtext &fragment);
+/// the name is not empty and not taken. Returns false, with the settings as they were, when the
+/// file cannot be written.
+bool saveRule(QSettings &settings, const QString &name, const Subtext &fragment);
 
 /// The name of the rule saved last, empty when there is none.
 [[nodiscard]] QString currentRuleName(const QSettings &settings);

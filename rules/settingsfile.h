@@ -11,3 +11,7 @@ inline QString settingsFileName()
 {
     return QStringLiteral("setting.ini");
 }
+
+/// Why the system does not let `file`, or a new file beside it, be written; empty when it does. A
+/// settings file is written as a new file that takes its place.
+[[nodiscard]] QString writeObstacle(const QString &file);

@@ -6,6 +6,7 @@
 #include "rules/settingsfile.h"
 #include "split/toolcommands.h"
 #include "tests/support/editordriver.h"
+#include "tests/support/fulldisk.h"
 #include "tests/support/pdfbuilder.h"
 #include "tests/support/pdfreader.h"
 #include "tests/support/privatefolders.h"
@@ -272,6 +273,13 @@ private slots:
                               "another one";
         QCOMPARE(editor.refusal(""), QStringLiteral("Empty Rule Name: Please input rule name"));
         QCOMPARE(editor.refusal("old"), taken);
+        QVERIFY(editor.refusal("zeph").startsWith("Invalid Rule Name: "));
+        {
+            const FullDisk disk;
+            const QString shown = editor.refusal("new one");
+            QVERIFY(shown.startsWith("Rule Not Saved: ") &&
+                    shown.contains(workPath(settingsFileName())));
+        }
         QVERIFY(editor.isVisible());
         editor.typeName("new one");
         QTest::keyClick(editor.widget<QLineEdit>("lineEdit_rule"), Qt::Key_Return);

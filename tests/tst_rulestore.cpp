@@ -3,6 +3,7 @@
 
 #include "rules/rulestore.h"
 #include "rules/settingsfile.h"
+#include "tests/support/fulldisk.h"
 #include "tests/support/privatefolders.h"
 
 #include <QCoreApplication>
@@ -75,6 +76,33 @@ private slots:
         QCOMPARE(rule.text, string);
         QVERIFY(ruleNames(after).contains("first"));
         QCOMPARE(readRule(after, "first").height, 4);
+        QCOMPARE(after.value("file/file").toString(), QStringLiteral("sample.pdf"));
+    }
+
+    void namesThatWouldBeLost()
+    {
+        for (const char *name : {"zeph", "/", "2024/May", "a/"})
+            QVERIFY2(!isRuleNameAllowed(name), name);
+        for (const char *name : {"currule", "file", "Zeph", "zeph2", "a\\b", " "})
+            QVERIFY2(isRuleNameAllowed(name), name);
+    }
+
+    /// Nor may a later write of other settings bring back what was refused.
+    void nothingRemainsOfWhatCannotBeWritten()
+    {
+        save("old", {1, 2, 3, 4, "x"});
+        QSettings settings(settingsFileName(), QSettings::IniFormat);
+        {
+            const FullDisk disk;
+            QVERIFY(!saveRule(settings, "new", {5, 6, 7, 8, "y"}));
+            QVERIFY(!writeObstacle(settingsFileName()).isEmpty());
+        }
+        QCOMPARE(writeObstacle(settingsFileName()), QString());
+        settings.setValue("file/file", "sample.pdf");
+        settings.sync();
+        Restarted after;
+        QCOMPARE(ruleNames(after), QStringList("old"));
+        QCOMPARE(after.childGroups(), QStringList({"currule", "file", "old", "zeph"}));
         QCOMPARE(after.value("file/file").toString(), QStringLiteral("sample.pdf"));
     }
 
