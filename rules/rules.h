@@ -74,7 +74,8 @@ public slots:
     void setZoomout();
     /// Makes the page smaller.
     void setZoomin();
-    /// Picks the fragment under the mouse cursor and offers to make it the rule.
+    /// Picks a fragment and offers to make it the rule: after a click with the mouse the one under
+    /// the cursor, otherwise the one whose box was pressed.
     void textmessagebox();
     /// Does nothing; connections to it are accepted.
     void getSpecifytext();
@@ -121,7 +122,8 @@ private:
 
     void pickFragment(qsizetype index, QPoint tipPosition);
     void showRuleButton(QPoint position);
-    void pressByKey(const QObject *button);
+    void hideRuleButton();
+    void pickPressedBox(const QObject *box);
 
     std::unique_ptr<Ui_Rules> ui;
     QScrollArea *scrollArea = nullptr;

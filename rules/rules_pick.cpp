@@ -2,12 +2,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "rules/fragmentboxes.h"
+#include "rules/pagebutton.h"
 #include "rules/rules.h"
 #include "ui_rules.h"
 
 #include <QKeyEvent>
 #include <QLabel>
-#include <QPushButton>
 #include <QScrollArea>
 #include <QToolTip>
 
@@ -19,6 +19,7 @@ namespace {
 const QString boxStyle =
     QStringLiteral("border:2px dotted green;} QPushButton:Pressed{border:2px dotted red;");
 
+/// Wider only where the desktop's font needs it.
 constexpr QSize ruleButtonSize(141, 28);
 
 } // namespace
@@ -32,7 +33,7 @@ void Rules::drawlabels()
     labelButtons.clear();
     labelButtons.reserve(subtexts.size());
     for (const Subtext &fragment : std::as_const(subtexts)) {
-        auto *box = new QPushButton(pageLabel);
+        auto *box = new PageButton(pageLabel);
         box->setGeometry(boxOf(fragment, zoom));
         box->setFlat(true);
         box->setAutoDefault(false);
@@ -40,7 +41,7 @@ void Rules::drawlabels()
         box->setAccessibleName(fragment.text);
         box->installEventFilter(this);
         box->show();
-        connect(box, &QPushButton::clicked, this, &Rules::textmessagebox);
+        connect(box, &PageButton::clicked, this, &Rules::textmessagebox);
         labelButtons.append(box);
     }
     pageLabel->show();
@@ -49,15 +50,20 @@ void Rules::drawlabels()
 void Rules::makeRuleButton()
 {
     delete ruleButton;
-    ruleButton = new QPushButton(pageLabel);
+    ruleButton = new PageButton(pageLabel);
     ruleButton->setAutoDefault(false);
     ruleButton->installEventFilter(this);
     ruleButton->hide();
-    connect(ruleButton, &QPushButton::clicked, this, &Rules::addtorules);
+    connect(ruleButton, &PageButton::clicked, this, &Rules::addtorules);
 }
 
 void Rules::textmessagebox()
 {
+    const auto *pressed = qobject_cast<PageButton *>(sender());
+    if (pressed && !pressed->isMouseClick()) {
+        pickPressedBox(pressed);
+        return;
+    }
     QList<QRect> boxes;
     boxes.reserve(labelButtons.size());
     for (const QPushButton *box : std::as_const(labelButtons))
@@ -82,18 +88,32 @@ void Rules::showRuleButton(QPoint position)
     if (!ruleButton)
         return;
     ruleButton->setText(tr("Make it be the rule"));
-    ruleButton->setGeometry(QRect(position, ruleButtonSize));
+    const QRect place(position, ruleButtonSize.expandedTo(ruleButton->sizeHint()));
+    ruleButton->setGeometry(place);
     ruleButton->raise();
     ruleButton->show();
-    // Beside a box at the right edge of the page there may be no page left to stand on.
-    pageLabel->setMinimumWidth(position.x() + ruleButtonSize.width());
+    // Beside a box at the edge of the page there may be no page left to stand on. The room given
+    // here stays until the page is shown anew: taking it back would move a page that is scrolled
+    // to it.
+    const QSize room(place.x() + place.width(), place.y() + place.height());
+    pageLabel->setMinimumSize(
+        pageLabel->minimumSize().expandedTo(room).boundedTo({QWIDGETSIZE_MAX, QWIDGETSIZE_MAX}));
     scrollArea->ensureWidgetVisible(ruleButton, 0, 0);
+}
+
+/// Hidden with the focus, the button would hand it to the first box, and the page would be scrolled
+/// there.
+void Rules::hideRuleButton()
+{
+    if (!ruleButton)
+        return;
+    if (ruleButton->hasFocus())
+        scrollArea->setFocus();
+    ruleButton->hide();
 }
 
 void Rules::addtorules()
 {
-    if (ruleButton)
-        ruleButton->hide();
     setSaveControlsEnabled(true);
     ui->lineEdit_rulebefore->setText(QStringLiteral("(%1 %2 %3 %4)=%5")
                                          .arg(currentRule.left)
@@ -101,14 +121,14 @@ void Rules::addtorules()
                                          .arg(currentRule.width)
                                          .arg(currentRule.height)
                                          .arg(currentRule.text));
+    hideRuleButton();
     ui->lineEdit_rule->setFocus();
     ui->lineEdit_rule->selectAll();
 }
 
 void Rules::mousePressEvent(QMouseEvent *)
 {
-    if (ruleButton)
-        ruleButton->hide();
+    hideRuleButton();
 }
 
 void Rules::mouseMoveEvent(QMouseEvent *)
@@ -124,19 +144,23 @@ bool Rules::eventFilter(QObject *watched, QEvent *event)
     if (key != Qt::Key_Space && key != Qt::Key_Return && key != Qt::Key_Enter)
         return QDialog::eventFilter(watched, event);
     // A key that is held down must not run through pick, confirmation and save.
-    if (!press->isAutoRepeat())
-        pressByKey(watched);
+    if (!press->isAutoRepeat()) {
+        if (watched == ruleButton)
+            addtorules();
+        else
+            pickPressedBox(watched);
+    }
     return true;
 }
 
-void Rules::pressByKey(const QObject *button)
+/// Here the box counts and not the mouse cursor, which may be anywhere.
+void Rules::pickPressedBox(const QObject *box)
 {
-    const auto box = std::find(labelButtons.cbegin(), labelButtons.cend(), button);
-    if (box == labelButtons.cend()) {
-        addtorules();
+    const auto found = std::find(labelButtons.cbegin(), labelButtons.cend(), box);
+    if (found == labelButtons.cend())
         return;
-    }
-    pickFragment(box - labelButtons.cbegin(), (*box)->mapToGlobal((*box)->rect().bottomLeft()));
+    pickFragment(found - labelButtons.cbegin(),
+                 (*found)->mapToGlobal((*found)->rect().bottomLeft()));
     if (ruleButton)
         ruleButton->setFocus();
 }

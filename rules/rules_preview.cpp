@@ -131,8 +131,8 @@ bool Rules::setframeImage()
     const QPixmap page = scaledPage(image, zoom, devicePixelRatioF());
     if (page.isNull())
         return false;
-    pageLabel->setMinimumWidth(0);
     pageLabel->setPixmap(page);
+    pageLabel->setMinimumSize(page.deviceIndependentSize().toSize());
     pageLabel->adjustSize();
     makeRuleButton();
     dropLayoutReply();

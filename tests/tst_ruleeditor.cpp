@@ -13,6 +13,7 @@
 #include "tests/support/samplepdf.h"
 #include "tests/support/windowdriver.h"
 
+#include <QAccessible>
 #include <QApplication>
 #include <QComboBox>
 #include <QDir>
@@ -20,6 +21,7 @@
 #include <QLineEdit>
 #include <QNetworkReply>
 #include <QRegion>
+#include <QSignalSpy>
 #include <QSpinBox>
 #include <QTemporaryDir>
 #include <QTest>
@@ -227,6 +229,7 @@ private slots:
         row("overlap", {125, 62}, "(120 60 50 20)=over", {170, 60});
         row("under the overlap", {105, 70}, "(100 50 50 30)=under", {150, 50});
         row("edge of the page", {790, 210}, "(700 200 94 20)=edge", {794, 200});
+        row("corner of the page", {790, 1115}, "(700 1110 94 13)=corner", {794, 1110});
         row("no box", {400, 300}, "(10 1 5 5)=first", {0, 0});
     }
     void picking()
@@ -235,32 +238,69 @@ private slots:
         QFETCH(QString, rule);
         QFETCH(QPoint, anchor);
         Editor editor(sample, 3);
-        QVERIFY(editor.reload(line({10, 1, 5, 5}, "first") +
-                              line({150, 20, 40, 10}, "right %1 %5") +
-                              line({100, 30, 50, 10}, "below") + line({100, 20, 50, 10}, "top") +
-                              line({100, 50, 50, 30}, "under") + line({120, 60, 50, 20}, "over") +
-                              line({700, 200, 94, 20}, "edge")));
-        QCOMPARE(editor.boxes().size(), 7);
+        QVERIFY(
+            editor.reload(line({10, 1, 5, 5}, "first") + line({150, 20, 40, 10}, "right %1 %5") +
+                          line({100, 30, 50, 10}, "below") + line({100, 20, 50, 10}, "top") +
+                          line({100, 50, 50, 30}, "under") + line({120, 60, 50, 20}, "over") +
+                          line({700, 200, 94, 20}, "edge") + line({700, 1110, 94, 13}, "corner")));
+        QCOMPARE(editor.boxes().size(), 8);
+        editor.clickAt({110, 25});
+        editor.clickAt({300, 300});
+        QVERIFY2(!editor.confirmButton(), "a click beside the boxes withdraws the offer");
+        QCOMPARE(editor.enabled(), "1101000");
         if (anchor.isNull()) {
             // The cursor leaves the box before the button is released.
             QCursor::setPos(editor.page()->mapToGlobal(place));
-            editor.box("top")->click();
+            QTest::mouseClick(editor.box("top"), Qt::LeftButton);
         } else {
             editor.clickAt(place);
         }
         const QStringList numbers = rule.section(')', 0, 0).mid(1).split(' ');
         QCOMPARE(QToolTip::text(), "Position\n X- " + numbers[0] + " Y- " + numbers[1]);
-        QPushButton *confirm = editor.confirmButton();
+        const QPushButton *confirm = editor.confirmButton();
         QVERIFY(confirm);
         QCOMPARE(confirm->text(), QStringLiteral("Make it be the rule"));
         QCOMPARE(confirm->geometry(), QRect(anchor, QSize(141, 28)));
         QCOMPARE(confirm->visibleRegion().boundingRect(), confirm->rect());
-        editor.clickAt({300, 300});
-        QVERIFY2(!confirm->isVisible(), "a click beside the boxes withdraws the offer");
-        QCOMPARE(editor.enabled(), "1101000");
-        editor.addtorules();
+        QVERIFY2(editor.page()->rect().contains(editor.image().rect()), "no more to scroll to");
+        const QPoint scrolledTo = editor.page()->pos();
+        QTest::mouseClick(editor.confirmButton(), Qt::LeftButton);
+        QCOMPARE(editor.page()->pos(), scrolledTo);
         QCOMPARE(editor.enabled(), "1101111");
         QCOMPARE(editor.candidate(), rule);
+    }
+
+    /// The rule that is shown is the one that is saved, however it was picked.
+    void pressedOnce_data()
+    {
+        QTest::addColumn<bool>("byMouse");
+        QTest::newRow("double clicks") << true;
+        QTest::newRow("assistive technology") << false;
+    }
+    void pressedOnce()
+    {
+        QFETCH(bool, byMouse);
+        Editor editor(sample, 3);
+        QVERIFY(editor.reload(line({160, 20, 100, 20}, "under the button") +
+                              line({100, 20, 50, 10}, "top") + line({10, 1, 5, 5}, "last")));
+        QCursor::setPos(editor.page()->mapToGlobal(QPoint(170, 30)));
+        for (const bool isPick : {true, false}) {
+            QPushButton *button = isPick ? editor.box("top") : editor.confirmButton();
+            QVERIFY(button);
+            const QSignalSpy clicks(button, &QPushButton::clicked);
+            if (byMouse)
+                editor.clickAt(button->geometry().topLeft() + QPoint(20, 5), true);
+            else
+                QAccessible::queryAccessibleInterface(button)->actionInterface()->doAction(
+                    QAccessibleActionInterface::pressAction());
+            QTRY_COMPARE(clicks.size(), 1);
+        }
+        QTest::keyClicks(editor.widget<QLineEdit>("lineEdit_rulebefore"), "9");
+        QCOMPARE(editor.candidate(), QStringLiteral("(100 20 50 10)=top"));
+        editor.typeName("rule");
+        editor.click("save");
+        QSettings settings = storedSettings();
+        QCOMPARE(readRule(settings, "rule").text, QStringLiteral("top"));
     }
 
     void saving()

@@ -32,12 +32,16 @@ void EditorDriver::click(const QByteArray &name) const
     QTest::mouseClick(widget<QPushButton>("pushButton_" + name), Qt::LeftButton);
 }
 
-void EditorDriver::clickAt(QPoint place) const
+void EditorDriver::clickAt(QPoint place, bool twice) const
 {
     view()->ensureVisible(place.x(), place.y());
     QCursor::setPos(page()->mapToGlobal(place));
     // To the window, which finds the widget at this place itself.
-    QTest::mouseClick(dialog.windowHandle(), Qt::LeftButton, {}, page()->mapTo(&dialog, place));
+    const auto click = [twice](auto &&...arguments) {
+        twice ? QTest::mouseDClick(arguments...) : QTest::mouseClick(arguments...);
+    };
+    click(dialog.windowHandle(), Qt::LeftButton, Qt::KeyboardModifiers(),
+          page()->mapTo(&dialog, place));
 }
 
 QString EditorDriver::makeRuleAt(QPoint place) const

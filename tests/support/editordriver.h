@@ -35,8 +35,8 @@ public:
     [[nodiscard]] QPushButton *confirmButton() const { return buttons(false).value(0); }
     [[nodiscard]] bool waitForBoxes() const;
     void click(const QByteArray &name) const;
-    /// Clicks into the page view; `place` in its pixels.
-    void clickAt(QPoint place) const;
+    /// Clicks, or double-clicks, into the page view; `place` in its pixels.
+    void clickAt(QPoint place, bool twice = false) const;
     /// What the editor shows as the rule after a click on a box and on the button beside it; empty
     /// when there was no such button.
     [[nodiscard]] QString makeRuleAt(QPoint place) const;
