@@ -6,6 +6,7 @@
 #include <QByteArray>
 #include <QByteArrayList>
 
+#include <cerrno>
 #include <cstring>
 #include <dirent.h>
 #include <memory>
@@ -56,12 +57,22 @@ void mark(const FolderDescriptor &folder)
 
 /// The mark goes last: what is interrupted half-way is found by the next window. It comes back when
 /// a tool of a killed window was still writing and the folder is not empty.
-void removeFolder(const FolderDescriptor &folder, int parent, const char *name)
+bool removeFolder(const FolderDescriptor &folder, int parent, const char *name)
 {
     emptyFolder(folder, markName);
     ::unlinkat(folder.get(), markName, 0);
-    if (::unlinkat(parent, name, AT_REMOVEDIR) != 0)
-        mark(folder);
+    if (::unlinkat(parent, name, AT_REMOVEDIR) == 0 || errno == ENOENT)
+        return true;
+    mark(folder);
+    return false;
+}
+
+bool isSameFolder(const FolderDescriptor &folder, const FolderDescriptor &other)
+{
+    struct stat status = {};
+    struct stat otherStatus = {};
+    return ::fstat(folder.get(), &status) == 0 && ::fstat(other.get(), &otherStatus) == 0 &&
+           status.st_dev == otherStatus.st_dev && status.st_ino == otherStatus.st_ino;
 }
 
 bool isAbandoned(const FolderDescriptor &folder)
@@ -84,9 +95,13 @@ FolderDescriptor claimFolder(const QByteArray &path)
     return folder;
 }
 
-void removeClaimedFolder(const FolderDescriptor &folder, const QByteArray &path)
+bool removeClaimedFolder(const FolderDescriptor &folder, const QByteArray &path)
 {
-    removeFolder(folder, AT_FDCWD, path.constData());
+    const FolderDescriptor present(AT_FDCWD, path.constData());
+    if (!present.isOpen())
+        return true;
+    const bool isMadeAgain = !isSameFolder(folder, present);
+    return removeFolder(isMadeAgain ? present : folder, AT_FDCWD, path.constData());
 }
 
 void removeAbandonedFolders(const QByteArray &parent, const QByteArray &namePrefix)

@@ -19,8 +19,10 @@ class QByteArray;
 /// descriptor as long as the folder is in use.
 [[nodiscard]] FolderDescriptor claimFolder(const QByteArray &path);
 
-/// Removes a claimed folder with all that is in it. Links are removed, not followed.
-void removeClaimedFolder(const FolderDescriptor &folder, const QByteArray &path);
+/// Removes a claimed folder with all that is in it, or what stands in its place now when it was
+/// removed and made again meanwhile. Links are removed, not followed. Returns whether nothing is
+/// left.
+bool removeClaimedFolder(const FolderDescriptor &folder, const QByteArray &path);
 
 /// Removes the abandoned folders `namePrefix`?????? of this user in `parent`.
 void removeAbandonedFolders(const QByteArray &parent, const QByteArray &namePrefix);

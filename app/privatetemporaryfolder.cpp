@@ -8,7 +8,9 @@
 #include <QDir>
 #include <QFile>
 
+#include <chrono>
 #include <cstdlib>
+#include <thread>
 
 PrivateTemporaryFolder::PrivateTemporaryFolder() : earlierFolder(qgetenv("TMPDIR"))
 {
@@ -37,6 +39,11 @@ PrivateTemporaryFolder::~PrivateTemporaryFolder()
 
 void PrivateTemporaryFolder::remove() const
 {
-    if (!path.isEmpty())
-        removeClaimedFolder(folder, path);
+    if (path.isEmpty())
+        return;
+    // Workers of a tool that has just been ended may write for another moment.
+    constexpr int attempts = 20;
+    constexpr std::chrono::milliseconds pause(10);
+    for (int i = 0; i < attempts && !removeClaimedFolder(folder, path); ++i)
+        std::this_thread::sleep_for(pause);
 }

@@ -113,7 +113,11 @@ private slots:
         Run second;
         QTRY_COMPARE(temporaryFolders().size(), 2);
         for (const QString &name : temporaryFolders()) {
-            QCOMPARE(QFileInfo(QDir::temp().filePath(name)).permissions() & others, 0);
+            const QString folder = QDir::temp().filePath(name);
+            QCOMPARE(QFileInfo(folder).permissions() & others, 0);
+            // A cleaner may remove the folder, and the window makes it again.
+            if (signal == SIGHUP)
+                QVERIFY(QDir(folder).removeRecursively() && QDir().mkpath(folder + "/x"));
         }
         QCOMPARE(QFileInfo(dataFolder()).permissions() & others, 0);
         QCOMPARE(QFileInfo(logFile()).permissions() & others, 0);
