@@ -8,6 +8,7 @@
 #include "batch/stagingfolder.h"
 #include "pdf/assembly/assembly.h"
 #include "pdf/document/pageranges.h"
+#include "pdf/isolation/supervision.h"
 #include "pdf/layout/pageworkers.h"
 #include "split/inputstate.h"
 #include "split/pagerange.h"
@@ -203,6 +204,9 @@ FileResult splitFile(const SplitPlan &plan, const FileJob &job, FileProgress &pr
     };
     try {
         split(plan, job, progress, result);
+    } catch (const pdf::NoProcess &error) {
+        progress.lacksProcess = true;
+        fail(error.exitCode(), error.what());
     } catch (const Error &error) {
         fail(error.exitCode(), error.what());
     } catch (const std::bad_alloc &) {

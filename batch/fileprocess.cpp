@@ -15,10 +15,7 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
-#include <cstring>
 #include <fcntl.h>
-#include <stdexcept>
-#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -30,23 +27,19 @@ FileProcess::FileProcess(const SplitPlan &plan, const FileJob &job, FileProgress
 {
     shared.pageCount = 0;
     shared.pagesDone = 0;
+    shared.lacksProcess = false;
     std::array<int, 2> ends = {-1, -1};
     if (::pipe2(ends.data(), O_CLOEXEC) != 0)
-        throw std::runtime_error(std::strerror(errno));
-    const pid_t parent = ::getpid();
-    process = ::fork();
-    if (process == 0) {
-        ::prctl(PR_SET_PDEATHSIG, SIGKILL);
-        if (::getppid() != parent)
-            ::_exit(0);
+        throw pdf::NoProcess(errno);
+    process = pdf::forkBound();
+    if (process == 0)
         work(plan, job, progress, ends[1]);
-    }
     const int cause = errno;
     ::close(ends[1]);
     channel = ends[0];
     if (process < 0) {
         ::close(channel);
-        throw std::runtime_error(std::strerror(cause));
+        throw pdf::NoProcess(cause);
     }
 }
 
@@ -73,7 +66,7 @@ FileProcess::~FileProcess()
         ::close(channel);
     if (process > 0) {
         ::kill(process, SIGKILL);
-        ::waitpid(process, nullptr, 0);
+        static_cast<void>(pdf::endOf(process));
     }
 }
 
@@ -85,7 +78,7 @@ bool FileProcess::receive()
         received.append(buffer.data(), count);
     if (count > 0 || (count < 0 && errno == EINTR))
         return false;
-    ::waitpid(process, &status, 0);
+    status = pdf::endOf(process).value_or(SIGKILL);
     process = -1;
     return true;
 }

@@ -13,8 +13,7 @@
 class FileProcess
 {
 public:
-    /// Starts it; `progress` is in shared memory. Throws std::runtime_error when the system has no
-    /// further process.
+    /// Starts it; `progress` is in shared memory. Throws pdf::NoProcess.
     FileProcess(const SplitPlan &plan, const FileJob &job, FileProgress &progress);
     ~FileProcess();
     FileProcess(const FileProcess &) = delete;

@@ -10,4 +10,5 @@ struct FileProgress
 {
     std::atomic<int> pageCount{0};
     std::atomic<int> pagesDone{0};
+    std::atomic<bool> lacksProcess{false}; ///< it failed for want of processes, not by itself
 };

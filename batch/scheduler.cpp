@@ -6,19 +6,36 @@
 #include "batch/fileprocess.h"
 #include "batch/sharedmemory.h"
 #include "batch/stopsignals.h"
+#include "pdf/isolation/supervision.h"
 
 #include <QFileInfo>
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
+#include <cstring>
 #include <exception>
 #include <memory>
 #include <poll.h>
 #include <sched.h>
+#include <stdexcept>
+#include <sys/resource.h>
 
 namespace {
 
 constexpr int maximalJobs = 256;
+
+/// Jobs that there are descriptors for: one each, which all processes inherit, and what a process
+/// needs for its own work.
+int possibleJobs()
+{
+    constexpr int descriptorsForWork = 24;
+    rlimit descriptors = {};
+    if (::getrlimit(RLIMIT_NOFILE, &descriptors) != 0 ||
+        descriptors.rlim_cur >= maximalJobs + descriptorsForWork)
+        return maximalJobs;
+    return std::max(1, static_cast<int>(descriptors.rlim_cur) - descriptorsForWork);
+}
 
 struct ProgressBoard
 {
@@ -30,11 +47,12 @@ class Run
 public:
     Run(const SplitPlan &splitPlan, std::vector<InputGroup> &inputGroups, int wantedJobs,
         const RunListener &runListener)
-        : plan(splitPlan), groups(inputGroups), jobs(std::clamp(wantedJobs, 1, maximalJobs)),
-          listener(runListener), running(static_cast<std::size_t>(jobs))
+        : plan(splitPlan), groups(inputGroups), jobs(std::clamp(wantedJobs, 1, possibleJobs())),
+          possible(jobs), listener(runListener), running(static_cast<std::size_t>(jobs))
     {
         for (const InputGroup &group : groups) {
             state.files += static_cast<int>(group.inputs.size());
+            inputsDone.push_back(0);
             groupBytes.push_back(bytesOf(group));
             totalBytes += groupBytes.back();
         }
@@ -61,7 +79,6 @@ private:
     {
         std::unique_ptr<FileProcess> process; ///< null while the place is free
         std::size_t group = 0;
-        qsizetype input = 0;
         bool isReadable = false;
     };
 
@@ -71,7 +88,8 @@ private:
         try {
             if (!startWaiting())
                 return false;
-            waitForSomething();
+            if (!waitForSomething())
+                return false;
             for (Place &place : running) {
                 if (place.isReadable && place.process->receive())
                     finish(place);
@@ -101,45 +119,80 @@ private:
     bool startWaiting()
     {
         for (Place &place : running) {
-            if (place.process || waiting.empty() || isStopping)
+            if (waiting.empty() || isStopping || countRunning() >= possible)
+                break;
+            if (place.process)
                 continue;
             place.group = waiting.back();
-            place.input = 0;
+            if (!start(place))
+                break;
             waiting.pop_back();
-            start(place);
         }
-        return std::any_of(running.begin(), running.end(),
-                           [](const Place &place) { return place.process != nullptr; });
+        return countRunning() > 0;
     }
 
-    void start(Place &place)
+    [[nodiscard]] int countRunning() const
     {
-        const auto busy = std::count_if(running.begin(), running.end(), [](const Place &other) {
-            return other.process != nullptr;
-        });
-        const int sharers = static_cast<int>(waiting.size()) + static_cast<int>(busy) + 1;
-        const InputGroup &group = groups[place.group];
-        const FileJob job = {group.inputs[place.input], std::max(1, jobs / std::min(jobs, sharers)),
-                             group.taken};
-        const auto index = static_cast<std::size_t>(&place - running.data());
-        place.process = std::make_unique<FileProcess>(plan, job, board->files[index]);
+        return static_cast<int>(
+            std::count_if(running.begin(), running.end(),
+                          [](const Place &place) { return place.process != nullptr; }));
     }
 
-    void waitForSomething()
+    /// Starts the next input of the place's group. Returns false when that has to wait until other
+    /// inputs are done, because the system has no process left.
+    bool start(Place &place)
+    {
+        const int sharers = static_cast<int>(waiting.size()) + countRunning();
+        const InputGroup &group = groups[place.group];
+        const FileJob job = {group.inputs[inputsDone[place.group]],
+                             std::max(1, jobs / std::min(jobs, sharers)), group.taken};
+        const auto index = static_cast<std::size_t>(&place - running.data());
+        try {
+            place.process = std::make_unique<FileProcess>(plan, job, board->files[index]);
+        } catch (const pdf::NoProcess &) {
+            if (countRunning() == 0)
+                throw;
+        }
+        return place.process != nullptr;
+    }
+
+    /// Returns false when there is nothing to wait with: asking all the time would be no wait.
+    bool waitForSomething()
     {
         constexpr int tickMs = 200;
+        // Those that run only: the system takes no more entries than there may be descriptors.
         std::vector<pollfd> watched = {{stopSignals.descriptor(), POLLIN, 0}};
-        for (const Place &place : running)
-            watched.push_back({place.process ? place.process->descriptor() : -1, POLLIN, 0});
+        std::vector<Place *> owners;
+        for (Place &place : running) {
+            place.isReadable = false;
+            if (!place.process)
+                continue;
+            watched.push_back({place.process->descriptor(), POLLIN, 0});
+            owners.push_back(&place);
+        }
         const int ready = ::poll(watched.data(), watched.size(), tickMs);
-        for (std::size_t i = 0; i < running.size(); ++i)
-            running[i].isReadable = ready > 0 && watched[i + 1].revents != 0;
+        for (std::size_t i = 0; ready > 0 && i < owners.size(); ++i)
+            owners[i]->isReadable = watched[i + 1].revents != 0;
+        if (ready >= 0 || errno == EINTR)
+            return true;
+        if (!failure)
+            failure = std::make_exception_ptr(std::runtime_error(std::strerror(errno)));
+        return false;
     }
 
     void finish(Place &place)
     {
         const std::unique_ptr<FileProcess> process = std::move(place.process);
         const FileResult result = process->result();
+        if (process->progress().lacksProcess && !isStopping) {
+            // Alone it fails as all that follow would. Else the others have taken all there are,
+            // and it gets another chance with fewer of them.
+            if (possible == 1)
+                throw pdf::Error(result.exitCode, result.cause.toStdString());
+            possible = std::max(1, countRunning());
+            waiting.push_back(place.group);
+            return;
+        }
         InputGroup &group = groups[place.group];
         // What was stopped has not failed; it is as if it had never begun.
         if (!isStopping || !result.documents.isEmpty()) {
@@ -150,8 +203,8 @@ private:
                 group.taken.insert(document.file, result.input);
             listener.fileDone(result);
         }
-        if (!isStopping && ++place.input < group.inputs.size())
-            start(place);
+        if (++inputsDone[place.group] < group.inputs.size())
+            waiting.push_back(place.group);
     }
 
     void stop(int number)
@@ -186,9 +239,11 @@ private:
     const SplitPlan &plan;
     std::vector<InputGroup> &groups;
     int jobs;
+    int possible; ///< jobs at a time that turned out to be possible
     const RunListener &listener;
     std::vector<Place> running;
-    std::vector<std::size_t> waiting; ///< the next one at the end
+    std::vector<std::size_t> waiting;  ///< the next one at the end
+    std::vector<qsizetype> inputsDone; ///< of each group
     std::vector<long long> groupBytes;
     SharedMemory<ProgressBoard> board;
     StopSignals stopSignals;

@@ -96,7 +96,11 @@ bool StagingFolder::create()
     const bool isMade = ::mkdtemp(name.data()) != nullptr;
     lock = isMade ? ::open(name.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC) : -1;
     if (lock < 0) {
-        if (errno != ENOENT)
+        const int cause = errno;
+        if (isMade)
+            ::rmdir(name.constData());
+        errno = cause;
+        if (cause != ENOENT)
             fail(parent);
         return false;
     }

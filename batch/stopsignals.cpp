@@ -3,7 +3,10 @@
 
 #include "batch/stopsignals.h"
 
+#include <cerrno>
+#include <cstring>
 #include <fcntl.h>
+#include <stdexcept>
 #include <unistd.h>
 #include <utility>
 
@@ -30,7 +33,7 @@ void handle(int number, void (*handler)(int))
 StopSignals::StopSignals()
 {
     if (::pipe2(wakeUpPipe.data(), O_CLOEXEC | O_NONBLOCK) != 0)
-        return;
+        throw std::runtime_error(std::strerror(errno));
     for (const int number : numbers) {
         // What was ignored from the start, as under nohup, stays ignored.
         struct sigaction before = {};

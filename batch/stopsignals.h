@@ -11,6 +11,7 @@
 class StopSignals
 {
 public:
+    /// Throws std::runtime_error when there is no descriptor left.
     StopSignals();
     ~StopSignals();
     StopSignals(const StopSignals &) = delete;

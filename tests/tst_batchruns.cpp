@@ -233,6 +233,30 @@ private slots:
         QCOMPARE(namesIn(output->path()).size(), done * documentsEach);
     }
 
+    /// A shortage costs jobs, not the run, and too great a one ends it at once.
+    void fewDescriptors_data()
+    {
+        QTest::addColumn<int>("descriptors");
+        QTest::addColumn<int>("exitCode");
+        QTest::newRow("for fewer jobs") << 32 << 0;
+        QTest::newRow("for nothing") << 6 << 3;
+    }
+    void fewDescriptors()
+    {
+        QFETCH(int, descriptors);
+        QFETCH(int, exitCode);
+        QProcess shell;
+        shell.start("bash",
+                    QStringList{"-c", "ulimit -n $0; exec \"$@\"", QString::number(descriptors),
+                                QCoreApplication::applicationDirPath() + "/sendrivo-batch"} +
+                        arguments({"--jobs", "64"}) + inputs);
+        constexpr int secondsToEnd = 20;
+        QVERIFY(shell.waitForFinished(secondsToEnd * 1000));
+        QCOMPARE(shell.exitCode(), exitCode);
+        QCOMPARE(shell.readAllStandardError().endsWith(": Too many open files\n"), exitCode != 0);
+        QCOMPARE(filesIn(output->path()).size(), exitCode == 0 ? expected.size() : 0);
+    }
+
     void overlappingRuns()
     {
         const auto first = startBatch(arguments(inputs));

@@ -18,6 +18,7 @@
 #include <memory>
 #include <stdexcept>
 #include <sys/mman.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/syscall.h>
 #include <sys/uio.h>
@@ -37,6 +38,7 @@ private slots:
     void stoppedMeanwhile();
     void document_data();
     void document();
+    void noProcess();
     void confinement_data();
     void confinement();
 };
@@ -211,6 +213,7 @@ void TestSupervision::pages()
     work.report = [&](int index, const std::string &cause) {
         written.add(std::to_string(index) + ": " + cause);
     };
+    std::signal(SIGCHLD, SIG_IGN); // as some programs leave it to those that they start
     QCOMPARE(static_cast<int>(pdf::workOnPages(work)), exitCode);
     QCOMPARE(written.all(), lines);
 }
@@ -265,12 +268,41 @@ void TestSupervision::document()
     QFETCH(QStringList, lines);
     const Lines written;
     const Act supervised = [&] {
+        std::signal(SIGCHLD, SIG_IGN);
+        sigset_t all;
+        ::sigfillset(&all);
+        ::sigprocmask(SIG_BLOCK, &all, nullptr);
         pdf::continueInChild([&](const std::string &cause) { written.add(cause); }, 1);
         resetSignals();
         act();
     };
     QCOMPARE(inFork(supervised), exitCode);
     QCOMPARE(written.all(), lines);
+}
+
+void TestSupervision::noProcess()
+{
+    const auto causeOf = [](const Act &act) {
+        const Lines written;
+        inFork([&] {
+            // No limit holds for root.
+            const bool isUsual = ::geteuid() != 0 || ::setuid(12345) == 0;
+            const rlimit none = {0, 0};
+            if (!isUsual || ::setrlimit(RLIMIT_NPROC, &none) != 0)
+                ::_exit(1);
+            try {
+                act();
+            } catch (const pdf::NoProcess &error) {
+                written.add(error.what());
+            }
+        });
+        return written.all().join(QChar());
+    };
+    const QString cause = "no process can be started: Resource temporarily unavailable";
+    QCOMPARE(causeOf([] { pdf::continueInChild([](const std::string &) {}); }), cause);
+    pdf::PageWork work;
+    work.pageCount = 1;
+    QCOMPARE(causeOf([&] { static_cast<void>(pdf::workOnPages(work)); }), cause);
 }
 
 void TestSupervision::confinement_data()

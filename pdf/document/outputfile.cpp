@@ -83,7 +83,7 @@ void OutputFile::flush()
         const ssize_t written = ::write(fd, bytes.data(), bytes.size());
         if (written < 0 && errno == EINTR)
             continue;
-        if (written < 0)
+        if (written <= 0)
             fail();
         bytes.remove_prefix(static_cast<std::size_t>(written));
     }

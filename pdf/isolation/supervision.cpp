@@ -3,8 +3,6 @@
 
 #include "pdf/isolation/supervision.h"
 
-#include "pdf/error.h"
-
 #include <cerrno>
 #include <csignal>
 #include <cstring>
@@ -17,28 +15,21 @@ namespace pdf {
 
 namespace {
 
-/// Makes the end of this process the child's own, too, and gives it its time limit.
-void beSupervised(pid_t parent, int processorSeconds)
-{
-    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
-    if (::getppid() != parent)
-        ::_exit(0);
-    limitProcessorTime(processorSeconds);
-}
-
-int waitFor(pid_t process)
-{
-    int status = 0;
-    while (::waitpid(process, &status, 0) < 0 && errno == EINTR) {
-    }
-    return status;
-}
-
 /// Workers end with the process that started them, a moment later.
 void waitForOrphans()
 {
     while (::wait(nullptr) > 0 || errno == EINTR) {
     }
+}
+
+/// Ends the process by the signal even where the program that started it had it held back.
+void letEnd(int signal)
+{
+    std::signal(signal, SIG_DFL);
+    sigset_t set;
+    ::sigemptyset(&set);
+    ::sigaddset(&set, signal);
+    ::sigprocmask(SIG_UNBLOCK, &set, nullptr);
 }
 
 } // namespace
@@ -61,28 +52,62 @@ std::string causeOfEnd(int signal)
 
 void limitProcessorTime(int seconds)
 {
-    // Both end the process unless the caller's own caller had them ignored.
-    std::signal(SIGPROF, SIG_DFL);
-    std::signal(SIGBUS, SIG_DFL);
+    letEnd(SIGPROF);
+    letEnd(SIGBUS);
     itimerval timer = {};
     timer.it_value.tv_sec = seconds;
     ::setitimer(ITIMER_PROF, &timer, nullptr);
 }
 
+void endWithParent(pid_t parent)
+{
+    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+    if (::getppid() != parent)
+        ::_exit(0);
+}
+
+pid_t forkBound()
+{
+    const pid_t parent = ::getpid();
+    // Where the program that started this one had it ignored, the system would not keep how a child
+    // ended, and no wait would ever be told.
+    std::signal(SIGCHLD, SIG_DFL);
+    const pid_t child = ::fork();
+    if (child == 0)
+        endWithParent(parent);
+    return child;
+}
+
+NoProcess::NoProcess(int error)
+    : Error(ExitCode::InputUnreadable,
+            std::string("no process can be started: ") + std::strerror(error))
+{
+}
+
+std::optional<int> endOf(pid_t process, int options)
+{
+    int status = 0;
+    pid_t ended = -1;
+    do {
+        ended = ::waitpid(process, &status, options);
+    } while (ended < 0 && errno == EINTR);
+    if (ended == 0)
+        return std::nullopt;
+    return ended == process ? status : SIGKILL;
+}
+
 void continueInChild(const std::function<void(const std::string &cause)> &failed,
                      int processorSeconds)
 {
-    const pid_t parent = ::getpid();
     ::prctl(PR_SET_CHILD_SUBREAPER, 1);
-    const pid_t child = ::fork();
+    const pid_t child = forkBound();
     if (child < 0)
-        throw Error(ExitCode::InputUnreadable,
-                    std::string("no process can be started: ") + std::strerror(errno));
+        throw NoProcess(errno);
     if (child == 0) {
-        beSupervised(parent, processorSeconds);
+        limitProcessorTime(processorSeconds);
         return;
     }
-    const int status = waitFor(child);
+    const int status = endOf(child).value_or(SIGKILL);
     if (WIFEXITED(status))
         ::_exit(WEXITSTATUS(status));
     waitForOrphans();

@@ -15,7 +15,6 @@
 #include <optional>
 #include <sched.h>
 #include <sys/mman.h>
-#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <utility>
@@ -99,10 +98,11 @@ public:
     ChildSignal &operator=(const ChildSignal &) = delete;
 
     void restore() { ::sigprocmask(SIG_SETMASK, &before, nullptr); }
-    void wait() const
+    /// Returns whether there was a wait, be it a short one.
+    [[nodiscard]] bool wait() const
     {
         const timespec timeout{0, usualWaitMs * 1000 * 1000};
-        ::sigtimedwait(&set, nullptr, &timeout);
+        return ::sigtimedwait(&set, nullptr, &timeout) > 0 || errno == EAGAIN || errno == EINTR;
     }
 
 private:
@@ -120,10 +120,10 @@ public:
 
     ExitCode run()
     {
-        for (int i = 0; i < count; ++i)
-            start(i);
+        startAll();
         for (long long lastLook = millisecondsNow(); running > 0;) {
-            signal.wait();
+            if (!signal.wait())
+                killAll(errno);
             const long long now = millisecondsNow();
             board->clockMs += std::min(now - std::exchange(lastLook, now), longestWaitMs);
             for (int i = 0; i < count; ++i)
@@ -140,29 +140,47 @@ private:
         return board->ending == 0 && board->nextPage < work.pageCount;
     }
 
-    void start(int worker)
+    /// Starts what workers there are processes for. Throws NoProcess when there is none; those that
+    /// others need for a moment may be free again soon.
+    void startAll()
+    {
+        constexpr int attempts = 5;
+        for (int i = 0; running == 0; ++i) {
+            for (int worker = 0; worker < count && start(worker); ++worker) {
+            }
+            const int cause = errno;
+            if (running == 0 && (cause != EAGAIN || i == attempts || !signal.wait()))
+                throw NoProcess(cause);
+        }
+    }
+
+    /// Without waits the only other way would be to ask all the time.
+    void killAll(int error)
+    {
+        end(ExitCode::InputUnreadable, std::strerror(error));
+        for (const pid_t process : processes) {
+            if (process > 0)
+                ::kill(process, SIGKILL);
+        }
+    }
+
+    /// Returns false, with the cause in errno, when there is no further process.
+    bool start(int worker)
     {
         Slot &slot = board->slots[worker];
         slot.page = starting;
         slot.sinceMs = board->clockMs.load();
-        const pid_t parent = ::getpid();
-        const pid_t process = ::fork();
+        const pid_t process = forkBound();
         if (process == 0)
-            beWorker(slot, parent);
+            beWorker(slot);
         processes[worker] = process;
-        if (process > 0)
-            ++running;
-        else if (running == 0)
-            end(ExitCode::InputUnreadable, std::strerror(errno));
+        running += process > 0 ? 1 : 0;
+        return process > 0;
     }
 
     /// The whole life of a worker process.
-    [[noreturn]] void beWorker(Slot &slot, pid_t parent)
+    [[noreturn]] void beWorker(Slot &slot)
     {
-        // A worker whose supervisor was killed would go on writing for nobody.
-        ::prctl(PR_SET_PDEATHSIG, SIGKILL);
-        if (::getppid() != parent)
-            ::_exit(0);
         signal.restore();
         confine(work.permissions);
         try {
@@ -241,9 +259,10 @@ private:
         const bool isLate = condemnIfLate(slot, page);
         if (isLate)
             ::kill(processes[worker], SIGKILL);
-        int status = 0;
-        if (::waitpid(processes[worker], &status, isLate ? 0 : WNOHANG) != processes[worker])
+        const std::optional<int> ended = endOf(processes[worker], isLate ? 0 : WNOHANG);
+        if (!ended)
             return;
+        const int status = *ended;
         processes[worker] = 0;
         --running;
         if (!isLate)
@@ -258,8 +277,8 @@ private:
             end(ExitCode::InputUnreadable, cause);
         else
             giveUp(page, cause);
-        if (hasWork())
-            start(worker);
+        if (hasWork() && !start(worker) && running == 0)
+            startAll();
     }
 
     const PageWork &work;

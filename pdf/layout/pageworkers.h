@@ -33,7 +33,7 @@ struct PageWork
 };
 
 /// Does the work and returns Done, DoneInPart when pages were given up, or what ended it. Every
-/// index is given to one worker once.
+/// index is given to one worker once. Throws NoProcess when not a single worker can be started.
 [[nodiscard]] ExitCode workOnPages(const PageWork &work);
 
 /// Workers worth starting for that many pages on this machine.

@@ -205,13 +205,17 @@ pdf::ExitCode run(const std::vector<std::string> &arguments)
 {
     const Request request = parse(arguments);
     const std::string folder = pdf::folderOf(request.outputStem);
-    pdf::continueInChild([&request](const std::string &cause) {
+    const auto fail = [&request](const std::string &cause) {
         printFailure("quillrend", request.input + ": " + cause);
         removeEarlierPages(request);
-    });
-    pdf::confine({{request.input}, {folder}, true});
+    };
     try {
+        pdf::continueInChild(fail);
+        pdf::confine({{request.input}, {folder}, true});
         return convert(request);
+    } catch (const pdf::NoProcess &error) {
+        fail(error.what());
+        return error.exitCode();
     } catch (const pdf::Error &) {
         removeEarlierPages(request);
         throw;

@@ -140,7 +140,12 @@ pdf::ExitCode run(const std::vector<std::string> &arguments)
     // Soon, before other pages or damage get the blame. A missing file is one for the reader.
     if (const std::optional<InputState> state = inputState(request.input))
         checkState(request, expected, state);
-    pdf::continueInChild([&request](const std::string &cause) { fail(request, cause); });
+    try {
+        pdf::continueInChild([&request](const std::string &cause) { fail(request, cause); });
+    } catch (const pdf::NoProcess &error) {
+        fail(request, error.what());
+        return error.exitCode();
+    }
     pdf::confine({{request.input}, {pdf::folderOf(request.output)}});
     return request.isInfo ? getInfo(request) : merge(request, expected);
 }
