@@ -17,7 +17,9 @@
 #include <csignal>
 #include <fcntl.h>
 #include <functional>
+#include <poll.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 /// Tools that are killed, or whose input changes, while they work: whole files or none.
 class TestInterruptions : public QObject
@@ -30,6 +32,8 @@ private slots:
     void inputChangedWhileItIsRead();
     void pagesOfAnotherState_data();
     void pagesOfAnotherState();
+    void starterIsKilled_data();
+    void starterIsKilled();
     void readerIsLost_data();
     void readerIsLost();
 };
@@ -204,6 +208,46 @@ void TestInterruptions::pagesOfAnotherState()
     QCOMPARE(result.exitCode, isRefused ? 3 : 0);
     QCOMPARE(result.errors.endsWith(": changed since its pages were read\n"), isRefused);
     QCOMPARE(QFile::exists(folder.filePath("out.pdf")), !isRefused);
+}
+
+void TestInterruptions::starterIsKilled_data()
+{
+    QTest::addColumn<QString>("starter");
+    QTest::addColumn<bool>("endsTool");
+    QTest::newRow("window") << "sendrivo" << true;
+    QTest::newRow("script") << "script" << false;
+}
+
+void TestInterruptions::starterIsKilled()
+{
+    QFETCH(QString, starter);
+    QFETCH(bool, endsTool);
+    // A shell under that name, beside the tool.
+    const QTemporaryDir programs;
+    const QString tool = programs.filePath("quillrend");
+    QFile::copy(QCoreApplication::applicationDirPath() + "/quillrend", tool);
+    QVERIFY(QFile::copy("/bin/sh", programs.filePath(starter)));
+    const QTemporaryDir folder;
+    writeFile(folder.filePath("in.pdf"),
+              simplePdf(QByteArrayList(4 * pages, showText(20, 100, "page"))));
+    int ends[2] = {-1, -1}; // all processes of the tool hold the second one
+    QCOMPARE(::pipe(ends), 0);
+    QProcess process;
+    process.setWorkingDirectory(folder.path());
+    process.start(programs.filePath(starter),
+                  {"-c", "\"$0\" -htmlformat in.pdf split.xml & wait", tool});
+    QVERIFY(process.waitForStarted());
+    ::close(ends[1]);
+    QTRY_VERIFY(QFile::exists(layoutPath(folder.path(), 1)));
+    process.kill();
+    pollfd allEnded = {ends[0], 0, 0};
+    constexpr int timeLimitMs = 60000;
+    QCOMPARE(::poll(&allEnded, 1, timeLimitMs), 1);
+    ::close(ends[0]);
+    QCOMPARE(QFile::exists(layoutPath(folder.path(), 4 * pages)), !endsTool);
+    for (const QString &file : namesIn(folder.path()))
+        QVERIFY2(file == "in.pdf" || readFile(folder.filePath(file)).endsWith("</span>\n"),
+                 qPrintable(file));
 }
 
 void TestInterruptions::readerIsLost_data()

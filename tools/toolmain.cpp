@@ -3,11 +3,15 @@
 
 #include "tools/toolmain.h"
 
+#include "pdf/document/mappedfile.h"
 #include "pdf/isolation/limits.h"
+#include "pdf/isolation/supervision.h"
 
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <new>
+#include <system_error>
 #include <unistd.h>
 
 namespace {
@@ -17,6 +21,19 @@ int print(const std::string &text)
     const bool isWritten = std::fputs(text.c_str(), stdout) >= 0 && std::fflush(stdout) == 0;
     const auto code = isWritten ? pdf::ExitCode::Done : pdf::ExitCode::OutputUnwritable;
     return static_cast<int>(code);
+}
+
+/// A window that is killed must not leave its tools working for nobody. A shell or a script that
+/// ends, on the other hand, may well have left them to themselves ("&", nohup): only the program
+/// "sendrivo" beside the tool, as the kernel names it, takes its tools along.
+void endWithWindow()
+{
+    const pid_t starter = ::getppid();
+    std::error_code failure;
+    const std::filesystem::path own = std::filesystem::read_symlink("/proc/self/exe", failure);
+    if (pdf::isSameFile("/proc/" + std::to_string(starter) + "/exe",
+                        own.parent_path() / "sendrivo"))
+        pdf::endWithParent(starter);
 }
 
 /// Runs the tool and tells a failure.
@@ -44,6 +61,7 @@ int toolMain(const Tool &tool, int argc, char *argv[])
         return print(tool.usage + exitCodeUsage());
     if (arguments.size() == 1 && (arguments[0] == "-version" || arguments[0] == "--version"))
         return print(tool.name + " " SENDRIVO_VERSION "\n");
+    endWithWindow();
     pdf::limitResources();
     const int code = static_cast<int>(runTool(tool, arguments));
 #if !defined(__SANITIZE_ADDRESS__)
