@@ -49,6 +49,16 @@ void Rules::setUpPageView()
     scrollArea->setWidget(pageLabel);
     auto *layout = new QHBoxLayout(ui->frame_back);
     layout->addWidget(scrollArea);
+
+    pageNote = new QLabel;
+    pageNote->setObjectName(QStringLiteral("pageNote"));
+    pageNote->setTextFormat(Qt::PlainText);
+    pageNote->setWordWrap(true);
+    pageNote->setAutoFillBackground(true); // it may lie over an earlier page
+    pageNote->setMargin(8);
+    pageNote->hide();
+    auto *overPage = new QVBoxLayout(scrollArea->viewport());
+    overPage->addWidget(pageNote, 0, Qt::AlignTop);
 }
 
 void Rules::connectControls()

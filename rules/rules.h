@@ -46,8 +46,8 @@ public:
     Q_DISABLE_COPY_MOVE(Rules)
 
     /// Shows the page image that quillrend has left, at the current zoom, and requests the page's
-    /// layout. Returns false, with the earlier image still shown, when there is none to show at
-    /// this zoom.
+    /// layout. Returns false, and says in the page view why, when there is no image that could be
+    /// shown at this zoom. An earlier image stays when nothing would be left of this one.
     bool setframeImage();
 
 public slots:
@@ -70,7 +70,7 @@ public slots:
     void mouseMoveEvent(QMouseEvent *event) override;
     /// A press beside the boxes withdraws the offer to make the picked fragment the rule.
     void mousePressEvent(QMouseEvent *event) override;
-    /// Makes the page larger.
+    /// Makes the page larger, unless that would take more memory than is sensible.
     void setZoomout();
     /// Makes the page smaller.
     void setZoomin();
@@ -88,7 +88,7 @@ public slots:
     /// Prepares the dialog from the hand-over keys "file/file" and "file/page" and shows the first
     /// page. Returns false when there is no page to show.
     bool setIniImage();
-    /// Shows the page that the spin box names.
+    /// Shows the page that the spin box names, or came to name while that page was converted.
     void setPageChange();
     /// Stores the candidate under the name that was typed and closes the dialog as accepted.
     /// Returns false, after telling the user, when the name is empty, taken or not allowed, or when
@@ -117,6 +117,8 @@ private:
 
     void convertPage(int page);
     void clearPageView();
+    void clearPageImage();
+    void showNote(const QString &text);
     void dropLayoutReply();
     void makeRuleButton();
 
@@ -128,13 +130,15 @@ private:
     std::unique_ptr<Ui_Rules> ui;
     QScrollArea *scrollArea = nullptr;
     QLabel *pageLabel = nullptr;      ///< shows the page; parent of boxes and ruleButton
+    QLabel *pageNote = nullptr;       ///< over the page: why it is not the one asked for
     QPointer<QPushButton> ruleButton; ///< gone between pages and when there is no page
     QNetworkAccessManager *fileReader = nullptr;
     QPointer<QNetworkReply> layoutReply;
 
     QString sampleFile;
-    bool hasConverted = false; ///< the outputs in the temporary folder are from this dialog
-    float zoom = 1.0F;         ///< kept across pages and openings
+    bool hasConverted = false;   ///< the outputs in the temporary folder are from this dialog
+    bool isChangingPage = false; ///< a page change goes on to the page asked for last
+    float zoom = 1.0F;           ///< kept across pages and openings
 
     // The page shown; entry i of each list belongs to line i of the layout.
     QStringList textLines;

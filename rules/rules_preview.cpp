@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Sendrivo authors
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "rules/fragmentboxes.h"
+#include "rules/pagezoom.h"
 #include "rules/rules.h"
 #include "rules/settingsfile.h"
 #include "split/layoutscan.h"
@@ -12,13 +12,18 @@
 #include <QCoreApplication>
 #include <QDebug>
 #include <QFile>
+#include <QFileInfo>
+#include <QGuiApplication>
+#include <QImageReader>
 #include <QLabel>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QNetworkRequest>
 #include <QProcess>
+#include <QScopedValueRollback>
 #include <QSettings>
 #include <QStandardPaths>
+#include <QToolTip>
 #include <QUrl>
 
 #include <algorithm>
@@ -30,27 +35,29 @@ constexpr int converterTimeoutMs = 30000;
 /// A layout of more lines is a broken one.
 constexpr qsizetype maxFragments = 10000;
 
-/// A page image of more pixels, which would take 320 MB, is not shown: there is no bound to the
-/// zoom, but there is one to the memory. An A4 page can be enlarged ten times.
-constexpr qreal maxImagePixels = 80e6;
-
 QString temporaryFolder()
 {
     return QStandardPaths::writableLocation(QStandardPaths::TempLocation);
 }
 
-/// `image` at `zoom`, as sharp as the screen can show it; null when there is nothing to show.
+/// `image` at `zoom`, as sharp as the screen can show it.
 QPixmap scaledPage(const QImage &image, float zoom, qreal devicePixelRatio)
 {
-    const QSize size(scaledLength(image.width(), zoom), scaledLength(image.height(), zoom));
-    const QSizeF pixels = QSizeF(size) * devicePixelRatio;
-    if (size.isEmpty() || pixels.width() * pixels.height() > maxImagePixels)
-        return {};
+    const QSizeF pixels = QSizeF(sizeAtZoom(image.size(), zoom)) * devicePixelRatio;
     QPixmap page = QPixmap::fromImage(
         image.scaled(pixels.toSize(), Qt::KeepAspectRatio, Qt::SmoothTransformation));
     page.setDevicePixelRatio(devicePixelRatio);
     return page;
 }
+
+/// Shows that the program is at work as long as it lives.
+class WaitCursor
+{
+public:
+    WaitCursor() { QGuiApplication::setOverrideCursor(Qt::WaitCursor); }
+    ~WaitCursor() { QGuiApplication::restoreOverrideCursor(); }
+    Q_DISABLE_COPY_MOVE(WaitCursor)
+};
 
 } // namespace
 
@@ -62,6 +69,7 @@ bool Rules::setIniImage()
     const QSettings settings(settingsFileName(), QSettings::IniFormat);
     const QString file =
         settings.value(QStringLiteral("file/file"), QStringLiteral("Empty input")).toString();
+    const QString fileName = QFileInfo(file).fileName();
     const int pages =
         settings.value(QStringLiteral("file/page"), QStringLiteral("0")).toString().toInt();
     const int firstPage = pages > 0 ? 1 : 0;
@@ -74,11 +82,15 @@ bool Rules::setIniImage()
             button->setEnabled(false);
         setSaveControlsEnabled(false);
         makeRuleButton();
+        showNote(QFile::exists(file) ? tr("%1 has no page that can be read.").arg(fileName)
+                                     : tr("There is no file in the list to show a page of."));
         return false;
     }
     ui->label_pagenumber->setText(QLatin1Char('/') + QString::number(pages));
-    if (!QFile::exists(file))
+    if (!QFile::exists(file)) {
+        showNote(tr("%1 does not exist any more.").arg(fileName));
         return false;
+    }
     ui->pushButton_zoomin->setEnabled(true);
     ui->pushButton_zoomout->setEnabled(true);
     sampleFile = file;
@@ -91,8 +103,19 @@ bool Rules::setIniImage()
 
 void Rules::setPageChange()
 {
-    convertPage(ui->spinBox_pagenumber->value());
-    clearPageView();
+    if (isChangingPage)
+        return;
+    const QScopedValueRollback<bool> changing(isChangingPage, true);
+    int page = 0;
+    do {
+        page = ui->spinBox_pagenumber->value();
+        convertPage(page);
+        clearPageView();
+        // The presses and turns of the wheel that came while the converter blocked the window are
+        // taken now, and of the pages that they ask for only the last one is converted.
+        QCoreApplication::processEvents();
+    } while (page != ui->spinBox_pagenumber->value());
+    clearPageView(); // of what a zoom step among them has drawn
     setframeImage();
 }
 
@@ -101,13 +124,27 @@ void Rules::convertPage(int page)
 {
     generatePNGfile(sampleFile, page, previewOutput(temporaryFolder()));
     if (!QFile::exists(previewImageFile(temporaryFolder())))
-        pageLabel->clear();
+        clearPageImage();
+}
+
+void Rules::clearPageImage()
+{
+    pageLabel->clear();
+    pageLabel->setMinimumSize(0, 0);
+}
+
+/// Says over the page why it is not the one that was asked for; an empty text takes that away.
+void Rules::showNote(const QString &text)
+{
+    pageNote->setText(text);
+    pageNote->setVisible(!text.isEmpty());
 }
 
 void Rules::generatePNGfile(QString pdffile, int page, QString pngfile)
 {
     const QString command =
         previewCommand(QCoreApplication::applicationDirPath(), pdffile, page, pngfile);
+    const WaitCursor cursor;
     qDebug().noquote() << command;
     QProcess converter;
     converter.startCommand(command, QIODevice::ReadWrite);
@@ -128,9 +165,23 @@ void Rules::generatePNGfile(QString pdffile, int page, QString pngfile)
 bool Rules::setframeImage()
 {
     const QImage image(previewImageFile(temporaryFolder()));
-    const QPixmap page = scaledPage(image, zoom, devicePixelRatioF());
-    if (page.isNull())
+    if (image.isNull()) {
+        showNote(
+            tr("Page %1 cannot be shown. The log says why.").arg(ui->spinBox_pagenumber->value()));
         return false;
+    }
+    switch (pageFit(image.size(), zoom, devicePixelRatioF())) {
+    case PageFit::TooSmall:
+        showNote(tr("The page is too small to be shown. Enlarge it."));
+        return false;
+    case PageFit::TooLarge:
+        clearPageImage();
+        showNote(tr("The page is too large to be shown. Shrink it."));
+        return false;
+    case PageFit::Shown:
+        showNote(QString());
+    }
+    const QPixmap page = scaledPage(image, zoom, devicePixelRatioF());
     pageLabel->setPixmap(page);
     pageLabel->setMinimumSize(page.deviceIndependentSize().toSize());
     pageLabel->adjustSize();
@@ -197,6 +248,12 @@ void Rules::clearPageView()
 
 void Rules::showAtZoom(float newZoom)
 {
+    newZoom = boundedZoom(newZoom);
+    const QSize image = QImageReader(previewImageFile(temporaryFolder())).size();
+    if (newZoom > zoom && pageFit(image, newZoom, devicePixelRatioF()) == PageFit::TooLarge) {
+        QToolTip::showText(QCursor::pos(), tr("The page cannot be shown any larger."));
+        return;
+    }
     clearPageView();
     makeRuleButton();
     zoom = newZoom;

@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Sendrivo authors
 // SPDX-License-Identifier: GPL-3.0-or-later
 
+#include "rules/pagezoom.h"
 #include "rules/rules.h"
 #include "rules/rulestore.h"
 #include "rules/settingsfile.h"
@@ -28,6 +29,8 @@
 #include <QToolTip>
 #include <QWheelEvent>
 
+#include <cmath>
+
 namespace {
 
 /// Where the invoice number stands on every sample page.
@@ -39,6 +42,17 @@ QByteArray line(const QRect &box, const QByteArray &text)
     return "<span style=\"left:" + QByteArray::number(box.x()) +
            ";top:" + QByteArray::number(box.y()) + ";width:" + QByteArray::number(box.width()) +
            ";height:" + QByteArray::number(box.height()) + "\">" + text + "</span>\n";
+}
+
+/// The pages that were converted, each with what the mouse cursor looked like.
+QStringList conversions;
+
+void recordConversion(QtMsgType, const QMessageLogContext &, const QString &message)
+{
+    const QCursor *cursor = QGuiApplication::overrideCursor();
+    if (message.contains("quillrend"))
+        conversions.append(message.mid(message.indexOf("-f "), 4) +
+                           (cursor && cursor->shape() == Qt::WaitCursor ? " waiting" : ""));
 }
 
 /// What is wrong between the dark pixels of a page and the boxes over its words.
@@ -109,10 +123,12 @@ struct Editor : Rules, EditorDriver
         click("zoomout");
         return waitForBoxes();
     }
-    [[nodiscard]] bool staysWithoutBoxes() const
+    /// Whether there are no boxes and a text says why.
+    [[nodiscard]] bool staysWithoutBoxes(const char *reason) const
     {
         QTest::qWait(50);
-        return boxes().isEmpty();
+        const auto *note = widget<QLabel>("pageNote");
+        return boxes().isEmpty() && note->isVisible() && note->text().contains(reason);
     }
     /// Saves under this name and gives the message that is shown.
     [[nodiscard]] QString refusal(const QString &name)
@@ -355,11 +371,21 @@ private slots:
         QTest::keyClick(editor.pageBox(), Qt::Key_Return);
         QTRY_VERIFY(editor.box("Birch"));
         QCOMPARE(editor.enabled(), "1110000");
-        // Two page changes before the layout of the first has been read.
+        const qsizetype boxesOfPage = editor.boxes().size();
+        // Presses while the converter runs, and before the layout has been read: only the page
+        // asked for last counts.
+        for (void (Rules::*press)() :
+             {&Rules::setpageup, &Rules::setpagedown, &Rules::setpageup, &Rules::setZoomin})
+            QMetaObject::invokeMethod(&editor, press, Qt::QueuedConnection);
+        conversions.clear();
+        const QtMessageHandler former = qInstallMessageHandler(recordConversion);
         editor.click("down");
-        editor.click("up");
+        qInstallMessageHandler(former);
+        QCOMPARE(conversions, QStringList({"-f 2 waiting", "-f 3 waiting"}));
+        QVERIFY(!QGuiApplication::overrideCursor());
         QVERIFY(editor.waitForBoxes());
         QVERIFY(editor.box("Birch") && !editor.box("Ash"));
+        QCOMPARE(editor.boxes().size(), boxesOfPage);
 
         QVERIFY(editor.openOn(sample, 1));
         QCOMPARE(editor.enabled(), "1100000");
@@ -388,20 +414,32 @@ private slots:
         QCOMPARE(editor.image().height(), int(height * 0.8F));
     }
 
-    /// The page image stays, without boxes, and the way back works.
+    /// Shrunk to nothing, the page stays without its boxes. It is not enlarged beyond what memory
+    /// is there for. There is a way back from both.
     void zoomBeyondWhatCanBeShown()
     {
-        const QByteArrayList both = {"zoomin", "zoomout"};
-        for (const int direction : {0, 1}) {
-            Editor editor(sample, 3);
-            const int height = editor.image().height();
-            for (int step = 0; step < 40; ++step)
-                editor.click(both[direction]);
-            QVERIFY(!editor.image().isNull() && editor.staysWithoutBoxes());
-            for (int step = 0; step < 40; ++step)
-                editor.click(both[1 - direction]);
-            QVERIFY(editor.waitForBoxes());
-            QVERIFY(std::abs(editor.image().height() - height) <= 1);
+        Editor editor(sample, 3);
+        const int height = editor.image().height();
+        const int boxWidth = editor.box("Ash")->width();
+        for (int step = 0; step < 40; ++step)
+            editor.click("zoomin");
+        QVERIFY(!editor.image().isNull() && editor.staysWithoutBoxes("Enlarge"));
+        for (int step = 0; step < 55; ++step)
+            editor.click("zoomout");
+        QVERIFY(editor.waitForBoxes());
+        const double zoom = editor.image().height() * 1.0 / height;
+        QVERIFY(zoom > 9 && zoom < 10);
+        QVERIFY(std::abs(editor.box("Ash")->width() - boxWidth * zoom) < 2 + zoom);
+        editor.click("zoomin");
+        QVERIFY(editor.waitForBoxes());
+        QVERIFY(std::abs(editor.image().height() - height * zoom * 0.8) < 2);
+
+        float extreme = 1;
+        for (const float factor : {0.8F, 1.25F, 0.8F}) {
+            const float before = extreme;
+            for (int step = 0; step < 1000; ++step)
+                extreme = boundedZoom(extreme * factor);
+            QVERIFY(std::isnormal(extreme) && (extreme < before) == (factor < 1));
         }
     }
 
@@ -411,11 +449,14 @@ private slots:
         QVERIFY(!editor.openOn("Empty input", 0));
         QCOMPARE(editor.enabled(), "0000000");
         QCOMPARE(editor.pageBox()->maximum(), 0);
-        QVERIFY(editor.image().isNull());
+        QVERIFY(editor.image().isNull() && editor.staysWithoutBoxes("no file in the list"));
+        QVERIFY(!editor.openOn(workPath("broken.pdf"), 0));
+        QVERIFY(editor.staysWithoutBoxes("broken.pdf has no page"));
 
         QVERIFY(editor.openOn(sample, 3) && editor.waitForBoxes());
+        QVERIFY(!editor.widget<QLabel>("pageNote")->isVisible());
         QVERIFY(!editor.openOn(workPath("missing.pdf"), 7));
-        QVERIFY(editor.boxes().isEmpty());
+        QVERIFY(editor.staysWithoutBoxes("missing.pdf does not exist"));
         QCOMPARE(editor.pageBox()->maximum(), 7);
         QTest::mouseClick(&editor, Qt::LeftButton, {}, QPoint(5, 5));
     }
@@ -426,19 +467,19 @@ private slots:
         editor.pageBox()->setValue(4);
         QVERIFY2(editor.image().isNull(), "a page that is not there after all");
         editor.click("zoomout");
-        QVERIFY(editor.staysWithoutBoxes());
+        QVERIFY(editor.staysWithoutBoxes("Page 4 cannot"));
         editor.click("down");
         QTRY_VERIFY(editor.box("Birch"));
 
         QVERIFY(editor.openOn(workPath("broken.pdf"), 9));
-        QVERIFY(editor.image().isNull() && editor.staysWithoutBoxes());
+        QVERIFY(editor.image().isNull() && editor.staysWithoutBoxes("Page 1 cannot"));
 
         QVERIFY(editor.openOn(sample, 3) && editor.waitForBoxes());
         const QString tool = QCoreApplication::applicationDirPath() + "/quillrend";
         QVERIFY(QFile::rename(tool, tool + ".away"));
         editor.click("up");
         QVERIFY(QFile::rename(tool + ".away", tool));
-        QVERIFY(editor.image().isNull() && editor.staysWithoutBoxes());
+        QVERIFY(editor.image().isNull() && editor.staysWithoutBoxes("Page 2 cannot"));
     }
 
     void keyboard()
