@@ -7,16 +7,16 @@
 #include "mainwindow/sortonclick.h"
 #include "options/opdialog.h"
 #include "resources/lightground.h"
+#include "resources/screenplace.h"
 #include "rules/rules.h"
 #include "split/toolprocesses.h"
 #include "ui_process.h"
 
 #include <QAction>
 #include <QCoreApplication>
-#include <QGuiApplication>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
-#include <QScreen>
+#include <QStyle>
 #include <QTimer>
 
 Process::Process(QWidget *parent)
@@ -25,13 +25,15 @@ Process::Process(QWidget *parent)
       pageInfo(QCoreApplication::applicationDirPath())
 {
     ui->setupUi(this);
-    centreOnScreen();
+    setGeometry(0, 0, 840, 490);
+    placeOnFirstScreen(this);
     fileReader = new QNetworkAccessManager(this);
     ruleEditor = std::make_unique<Rules>();
     connectControls();
     ui->outputfolderEdit->setPalette(QPalette(Qt::white));
     fillRuleList();
     setabout();
+    fitTexts();
     previewTimer = new QTimer(this);
     connect(previewTimer, &QTimer::timeout, this, &Process::dopreview);
     setUpTable();
@@ -48,12 +50,6 @@ Process::~Process()
         layoutReply->disconnect(this);
         layoutReply->abort();
     }
-}
-
-void Process::centreOnScreen()
-{
-    setGeometry(0, 0, 840, 490);
-    move(QGuiApplication::screens().constFirst()->geometry().center() - rect().center());
 }
 
 void Process::connectControls()
@@ -101,6 +97,31 @@ void Process::setUpTable()
 
     sorting = new SortOnClick(table);
     connect(sorting, &SortOnClick::sorted, this, &Process::listChanged);
+}
+
+/// The widths of the form fit its texts in a usual desktop font. Under a larger one, what would be
+/// cut gets wider.
+void Process::fitTexts()
+{
+    const auto buttons = ui->frame->findChildren<QPushButton *>();
+    for (QPushButton *button : buttons) {
+        const int margin = button->style()->pixelMetric(QStyle::PM_ButtonMargin, nullptr, button);
+        const int hint = button->sizeHint().width();
+        if (hint - margin > button->maximumWidth())
+            button->setFixedWidth(hint);
+    }
+    const int column = qMax(ui->label_4->maximumWidth(), ui->label_4->sizeHint().width());
+    // Of its larger font the rule label has a size of its own: its letters move together first, by
+    // so little that nobody sees it.
+    QFont font = ui->label_2->font();
+    for (int percent = 99; percent >= 95 && ui->label_2->sizeHint().width() > column; --percent) {
+        font.setLetterSpacing(QFont::PercentageSpacing, percent);
+        ui->label_2->setFont(font);
+    }
+    for (QLabel *label : {ui->label_2, ui->label_4})
+        label->setFixedWidth(qMax(column, ui->label_2->sizeHint().width()));
+    ui->outputfolderlabel->setMaximumWidth(
+        qMax(ui->outputfolderlabel->maximumWidth(), ui->outputfolderlabel->sizeHint().width()));
 }
 
 void Process::setUpBackground()

@@ -122,7 +122,7 @@ private:
     void connectControls();
     void setUpTable();
     void setUpBackground();
-    void centreOnScreen();
+    void fitTexts();
     void updateControls();
     [[nodiscard]] QString cellText(int row, int column) const;
     void connectPreview();

@@ -3,18 +3,17 @@
 
 #include "rules/rules.h"
 
+#include "resources/screenplace.h"
 #include "rules/rulestore.h"
 #include "rules/settingsfile.h"
 #include "ui_rules.h"
 
 #include <QFileInfo>
-#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QMessageBox>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
-#include <QScreen>
 #include <QScrollArea>
 #include <QSettings>
 #include <QWheelEvent>
@@ -23,7 +22,7 @@ Rules::Rules(QWidget *parent)
     : QDialog(parent), ui(std::make_unique<Ui_Rules>()), fileReader(new QNetworkAccessManager(this))
 {
     ui->setupUi(this);
-    centreOnScreen();
+    fitOnScreen();
     setWindowFlags(Qt::WindowMinMaxButtonsHint | Qt::WindowCloseButtonHint);
     setUpPageView();
     setSaveControlsEnabled(false);
@@ -32,10 +31,16 @@ Rules::Rules(QWidget *parent)
 
 Rules::~Rules() = default;
 
-void Rules::centreOnScreen()
+/// On a screen that is too low for the least size of the page view, the view gives way: the lower
+/// edge of the dialog must be within reach.
+void Rules::fitOnScreen()
 {
-    setGeometry(0, 0, width(), height());
-    move(QGuiApplication::screens().constFirst()->geometry().center() - rect().center());
+    placeOnFirstScreen(this);
+    constexpr int leastPageHeight = 100;
+    const int lack = minimumSizeHint().height() - height();
+    if (lack > 0)
+        ui->frame_back->setMinimumHeight(
+            qMax(ui->frame_back->minimumHeight() - lack, leastPageHeight));
 }
 
 void Rules::setUpPageView()

@@ -110,7 +110,7 @@ protected:
 private:
     void connectControls();
     void setUpPageView();
-    void centreOnScreen();
+    void fitOnScreen();
     void setSaveControlsEnabled(bool enabled);
     [[nodiscard]] int totalPages() const;
     void showAtZoom(float newZoom);

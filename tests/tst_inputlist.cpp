@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Sendrivo authors
 // SPDX-License-Identifier: GPL-3.0-or-later
 
+#include "resources/screenplace.h"
 #include "rules/settingsfile.h"
 #include "tests/support/privatefolders.h"
 #include "tests/support/samplepdf.h"
@@ -10,6 +11,7 @@
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QLabel>
 #include <QLineEdit>
 #include <QTest>
 
@@ -126,6 +128,53 @@ private slots:
         QCOMPARE(usable(), "111111111");
         QCOMPARE(driver.table()->contextMenuPolicy(), Qt::ActionsContextMenu);
         QCOMPARE(driver.column(1), QStringList({"12", "9"}));
+    }
+
+    void textsFit_data()
+    {
+        QTest::addColumn<qreal>("pointSize");
+        QTest::newRow("usual font") << 9.0;
+        QTest::newRow("large font") << 12.0;
+    }
+    void textsFit()
+    {
+        QFETCH(qreal, pointSize);
+        const DesktopFont font(pointSize);
+        WindowDriver driver;
+        for (const char *name : {"label_2", "label_4", "outputfolderlabel"}) {
+            const auto *label = driver.widget<QLabel>(name);
+            QVERIFY2(label->sizeHint().width() <= label->width(), name);
+        }
+        QCOMPARE(driver.widget<QLabel>("label_2")->font().pointSize(), 13);
+        for (const auto *button : driver.widget<QFrame>("frame")->findChildren<QPushButton *>()) {
+            const QRect text = button->fontMetrics().boundingRect(button->text());
+            QVERIFY(button->iconSize().width() + 4 + text.width() < button->width());
+            QVERIFY(pointSize > 9 || button->width() == 90);
+        }
+        QVERIFY(pointSize > 9 || driver.widget<QLabel>("label_2")->width() == 90);
+    }
+
+    void placesOnScreens_data()
+    {
+        QTest::addColumn<QRect>("screen");
+        QTest::addColumn<QRect>("available");
+        QTest::addColumn<QRect>("place"); // of the rule editor
+        const auto row = [](const char *name, QRect screen, QRect available, QRect place) {
+            QTest::newRow(name) << screen << available << place;
+        };
+        row("room", {0, 0, 1920, 1080}, {0, 30, 1920, 1050}, {625, 227, 669, 626});
+        row("beside another screen", {1920, 0, 1366, 768}, {1920, 0, 1366, 738},
+            {2268, 71, 669, 626});
+        row("panel in its way", {0, 0, 1024, 768}, {0, 100, 1024, 668}, {177, 100, 669, 626});
+        row("netbook", {0, 0, 1024, 600}, {0, 0, 1024, 570}, {177, 0, 669, 533});
+        row("scaled twice", {0, 0, 960, 540}, {0, 0, 960, 540}, {145, 0, 669, 503});
+        row("telephone", {0, 0, 360, 640}, {0, 20, 360, 620}, {0, 20, 360, 583});
+    }
+    void placesOnScreens()
+    {
+        QFETCH(QRect, screen);
+        QFETCH(QRect, available);
+        QTEST(placeOnScreen({669, 626}, screen, available), "place");
     }
 
     void sorting()

@@ -507,6 +507,16 @@ private slots:
         QCOMPARE(editor.focusWidget(), editor.widget<QLineEdit>("lineEdit_rule"));
     }
 
+    void confirmButtonFitsItsText()
+    {
+        const DesktopFont font(12);
+        Editor editor(sample, 3);
+        editor.clickAt(numberPlace);
+        const QPushButton *confirm = editor.confirmButton();
+        QVERIFY(confirm && confirm->width() >
+                               confirm->fontMetrics().boundingRect(confirm->text()).width() + 4);
+    }
+
     void bounds()
     {
         Editor editor(sample, 3);

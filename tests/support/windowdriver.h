@@ -5,6 +5,7 @@
 
 #include "mainwindow/process.h"
 
+#include <QFont>
 #include <QPushButton>
 #include <QSettings>
 #include <QStringList>
@@ -59,6 +60,18 @@ public:
     void setOutputFolder(const QString &folder) const;
     /// Presses Split and waits for the end of the batch.
     [[nodiscard]] bool split();
+};
+
+/// As long as it lives, the desktop's font has this size.
+class DesktopFont
+{
+public:
+    explicit DesktopFont(qreal pointSize);
+    ~DesktopFont();
+    Q_DISABLE_COPY_MOVE(DesktopFont)
+
+private:
+    QFont usual;
 };
 
 /// Runs `answer` with the next modal dialog as soon as it is there. The dialog is closed afterwards
