@@ -3,6 +3,7 @@
 
 #include "mainwindow/process.h"
 
+#include "mainwindow/focusring.h"
 #include "mainwindow/progresspane.h"
 #include "mainwindow/sortonclick.h"
 #include "options/opdialog.h"
@@ -40,6 +41,9 @@ Process::Process(QWidget *parent)
     setUpBackground();
     setAcceptDrops(true);
     progress = new ProgressPane(ui->textEdit_process);
+    for (QWidget *control : std::initializer_list<QWidget *>{
+             ui->inputfiletableWidget, ui->outputButton, ui->textEdit_process})
+        new FocusRing(control);
 }
 
 Process::~Process()

@@ -130,6 +130,7 @@ private:
     void clearPendingFiles();
     void addRow(int row, const QString &path);
     void beginPageCounts();
+    void returnFocus();
     void removeRows(const QList<int> &descendingRows);
     void swapRows(int row, int other);
     void listChanged();
@@ -174,6 +175,8 @@ private:
     PageInfoFile pageInfo;
     QString pageInfoPath;       ///< of the count under way
     QString pageCountComplaint; ///< of the tool that has counted last
+    QPointer<QWidget> focusBeforeCounts; ///< had the focus until the buttons were switched off
+    QPointer<QWidget> focusDuringCounts; ///< got it then
 
     // The split job.
     bool batchRunning = false;

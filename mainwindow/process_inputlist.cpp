@@ -203,8 +203,18 @@ void Process::beginPageCounts()
     table->selectionModel()->setCurrentIndex(
         table->model()->index(0, 0), QItemSelectionModel::Select | QItemSelectionModel::Rows);
     fetchingPageCounts = true;
+    focusBeforeCounts = focusWidget();
     updateControls();
+    focusDuringCounts = focusWidget();
     getpdfpage();
+}
+
+/// A button that is switched off hands the focus on; who added files by keyboard gets it back,
+/// unless they have moved on themselves.
+void Process::returnFocus()
+{
+    if (focusBeforeCounts && focusWidget() == focusDuringCounts)
+        focusBeforeCounts->setFocus();
 }
 
 void Process::removeRows(const QList<int> &descendingRows)

@@ -34,6 +34,7 @@ void Process::getpdfpage()
     progress->append(tr("Finished."));
     fetchingPageCounts = false;
     updateControls();
+    returnFocus();
     goOnWithCountedFile();
 }
 

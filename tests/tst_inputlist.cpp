@@ -130,6 +130,54 @@ private slots:
         QCOMPARE(driver.column(1), QStringList({"12", "9"}));
     }
 
+    void focusComesBackAfterCounting_data()
+    {
+        QTest::addColumn<QString>("movedTo");
+        QTest::addColumn<QString>("focus");
+        QTest::newRow("not moved") << ""
+                                   << "openfileButton";
+        QTest::newRow("moved") << "comboBox_method"
+                               << "comboBox_method";
+    }
+    void focusComesBackAfterCounting()
+    {
+        QFETCH(QString, movedTo);
+        WindowDriver driver;
+        QVERIFY(driver.add({workPath("c.pdf")})); // in an empty table Tab moves on by itself
+        driver.table()->setFocus();
+        QTest::keyClick(driver.table(), Qt::Key_Tab);
+        QCOMPARE(driver.window.focusWidget()->objectName(), QStringLiteral("openfileButton"));
+        driver.drop({workPath("a.pdf")});
+        QVERIFY(driver.window.focusWidget()->isEnabled());
+        if (!movedTo.isEmpty())
+            driver.widget<QWidget>(qPrintable(movedTo))->setFocus();
+        QVERIFY(driver.waitForPageCounts());
+        QTEST(driver.window.focusWidget()->objectName(), "focus");
+    }
+
+    void focusIsVisible_data()
+    {
+        QTest::addColumn<QString>("name");
+        for (const char *name : {"inputfiletableWidget", "outputButton", "textEdit_process"})
+            QTest::newRow(name) << name;
+    }
+    void focusIsVisible()
+    {
+        QFETCH(QString, name);
+        WindowDriver driver;
+        QVERIFY(QTest::qWaitForWindowActive(&driver.window));
+        auto *control = driver.widget<QWidget>(qPrintable(name));
+        const auto look = [&] { return driver.window.grab(control->geometry()).toImage(); };
+        driver.widget<QWidget>("comboBox_rule")->setFocus();
+        const QImage without = look();
+        control->setFocus(Qt::MouseFocusReason);
+        QCOMPARE(look(), without);
+        driver.widget<QWidget>("comboBox_rule")->setFocus();
+        control->setFocus(Qt::TabFocusReason);
+        QVERIFY(look() != without);
+        QVERIFY(name == "outputButton" || !control->accessibleName().isEmpty());
+    }
+
     void textsFit_data()
     {
         QTest::addColumn<qreal>("pointSize");
