@@ -130,99 +130,69 @@ private slots:
         QCOMPARE(driver.column(1), QStringList({"12", "9"}));
     }
 
-    void focusComesBackAfterCounting_data()
-    {
-        QTest::addColumn<QString>("movedTo");
-        QTest::addColumn<QString>("focus");
-        QTest::newRow("not moved") << ""
-                                   << "openfileButton";
-        QTest::newRow("moved") << "comboBox_method"
-                               << "comboBox_method";
-    }
     void focusComesBackAfterCounting()
     {
-        QFETCH(QString, movedTo);
         WindowDriver driver;
         QVERIFY(driver.add({workPath("c.pdf")})); // in an empty table Tab moves on by itself
         driver.table()->setFocus();
         QTest::keyClick(driver.table(), Qt::Key_Tab);
-        QCOMPARE(driver.window.focusWidget()->objectName(), QStringLiteral("openfileButton"));
-        driver.drop({workPath("a.pdf")});
-        QVERIFY(driver.window.focusWidget()->isEnabled());
-        if (!movedTo.isEmpty())
-            driver.widget<QWidget>(qPrintable(movedTo))->setFocus();
-        QVERIFY(driver.waitForPageCounts());
-        QTEST(driver.window.focusWidget()->objectName(), "focus");
+        for (const bool isMoved : {false, true}) {
+            QCOMPARE(driver.window.focusWidget()->objectName(), QStringLiteral("openfileButton"));
+            driver.drop({workPath("a.pdf")});
+            QVERIFY(driver.window.focusWidget()->isEnabled());
+            if (isMoved)
+                driver.widget<QWidget>("comboBox_method")->setFocus();
+            QVERIFY(driver.waitForPageCounts());
+        }
+        QCOMPARE(driver.window.focusWidget()->objectName(), QStringLiteral("comboBox_method"));
     }
 
-    void focusIsVisible_data()
-    {
-        QTest::addColumn<QString>("name");
-        for (const char *name : {"inputfiletableWidget", "outputButton", "textEdit_process"})
-            QTest::newRow(name) << name;
-    }
     void focusIsVisible()
     {
-        QFETCH(QString, name);
         WindowDriver driver;
         QVERIFY(QTest::qWaitForWindowActive(&driver.window));
-        auto *control = driver.widget<QWidget>(qPrintable(name));
-        const auto look = [&] { return driver.window.grab(control->geometry()).toImage(); };
-        driver.widget<QWidget>("comboBox_rule")->setFocus();
-        const QImage without = look();
-        control->setFocus(Qt::MouseFocusReason);
-        QCOMPARE(look(), without);
-        driver.widget<QWidget>("comboBox_rule")->setFocus();
-        control->setFocus(Qt::TabFocusReason);
-        QVERIFY(look() != without);
-        QVERIFY(name == "outputButton" || !control->accessibleName().isEmpty());
+        for (const char *name : {"inputfiletableWidget", "outputButton", "textEdit_process"}) {
+            auto *control = driver.widget<QWidget>(name);
+            QVERIFY2(!control->accessibleName().isEmpty(), name);
+            const auto lookAfter = [&](Qt::FocusReason reason) {
+                driver.widget<QWidget>("comboBox_rule")->setFocus();
+                control->setFocus(reason);
+                return driver.window.grab(control->geometry()).toImage();
+            };
+            QVERIFY2(lookAfter(Qt::TabFocusReason) != lookAfter(Qt::MouseFocusReason), name);
+        }
     }
 
-    void textsFit_data()
-    {
-        QTest::addColumn<qreal>("pointSize");
-        QTest::newRow("usual font") << 9.0;
-        QTest::newRow("large font") << 12.0;
-    }
     void textsFit()
     {
-        QFETCH(qreal, pointSize);
-        const DesktopFont font(pointSize);
-        WindowDriver driver;
-        for (const char *name : {"label_2", "label_4", "outputfolderlabel"}) {
-            const auto *label = driver.widget<QLabel>(name);
-            QVERIFY2(label->sizeHint().width() <= label->width(), name);
+        for (const int pointSize : {9, 12}) {
+            const DesktopFont font(pointSize);
+            WindowDriver driver;
+            for (const char *name : {"label_2", "label_4", "outputfolderlabel"}) {
+                const auto *label = driver.widget<QLabel>(name);
+                QVERIFY2(label->sizeHint().width() <= label->width(), name);
+            }
+            QVERIFY(pointSize > 9 || driver.widget<QLabel>("label_2")->width() == 90);
+            for (const auto *button :
+                 driver.widget<QFrame>("frame")->findChildren<QPushButton *>()) {
+                const QRect text = button->fontMetrics().boundingRect(button->text());
+                QVERIFY(button->iconSize().width() + 4 + text.width() < button->width());
+                QVERIFY(pointSize > 9 || button->width() == 90);
+            }
         }
-        QCOMPARE(driver.widget<QLabel>("label_2")->font().pointSize(), 13);
-        for (const auto *button : driver.widget<QFrame>("frame")->findChildren<QPushButton *>()) {
-            const QRect text = button->fontMetrics().boundingRect(button->text());
-            QVERIFY(button->iconSize().width() + 4 + text.width() < button->width());
-            QVERIFY(pointSize > 9 || button->width() == 90);
-        }
-        QVERIFY(pointSize > 9 || driver.widget<QLabel>("label_2")->width() == 90);
     }
 
-    void placesOnScreens_data()
-    {
-        QTest::addColumn<QRect>("screen");
-        QTest::addColumn<QRect>("available");
-        QTest::addColumn<QRect>("place"); // of the rule editor
-        const auto row = [](const char *name, QRect screen, QRect available, QRect place) {
-            QTest::newRow(name) << screen << available << place;
-        };
-        row("room", {0, 0, 1920, 1080}, {0, 30, 1920, 1050}, {625, 227, 669, 626});
-        row("beside another screen", {1920, 0, 1366, 768}, {1920, 0, 1366, 738},
-            {2268, 71, 669, 626});
-        row("panel in its way", {0, 0, 1024, 768}, {0, 100, 1024, 668}, {177, 100, 669, 626});
-        row("netbook", {0, 0, 1024, 600}, {0, 0, 1024, 570}, {177, 0, 669, 533});
-        row("scaled twice", {0, 0, 960, 540}, {0, 0, 960, 540}, {145, 0, 669, 503});
-        row("telephone", {0, 0, 360, 640}, {0, 20, 360, 620}, {0, 20, 360, 583});
-    }
+    /// Centred; not under a panel; smaller on a screen too low, or too small, for it.
     void placesOnScreens()
     {
-        QFETCH(QRect, screen);
-        QFETCH(QRect, available);
-        QTEST(placeOnScreen({669, 626}, screen, available), "place");
+        const QList<QList<QRect>> screens = {
+            {{0, 0, 1920, 1080}, {0, 30, 1920, 1050}, {625, 227, 669, 626}},
+            {{1920, 0, 1366, 768}, {1920, 0, 1366, 738}, {2268, 71, 669, 626}},
+            {{0, 0, 1024, 768}, {0, 100, 1024, 668}, {177, 100, 669, 626}},
+            {{0, 0, 1024, 600}, {0, 0, 1024, 570}, {177, 0, 669, 533}},
+            {{0, 0, 360, 640}, {0, 20, 360, 620}, {0, 20, 360, 583}}};
+        for (const QList<QRect> &screen : screens)
+            QCOMPARE(placeOnScreen({669, 626}, screen[0], screen[1]), screen[2]);
     }
 
     void sorting()

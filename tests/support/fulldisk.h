@@ -3,28 +3,23 @@
 
 #pragma once
 
+#include <QtGlobal>
+
 #include <csignal>
 #include <sys/resource.h>
 
 /// As long as it lives, this process can write no byte into any file, not even as the superuser.
-class FullDisk
+struct FullDisk
 {
-public:
-    FullDisk() : formerHandler(std::signal(SIGXFSZ, SIG_IGN))
+    FullDisk()
     {
+        std::signal(SIGXFSZ, SIG_IGN); // a write fails, and no more
         getrlimit(RLIMIT_FSIZE, &former);
         const rlimit none{0, former.rlim_max};
         setrlimit(RLIMIT_FSIZE, &none);
     }
-    ~FullDisk()
-    {
-        setrlimit(RLIMIT_FSIZE, &former);
-        std::signal(SIGXFSZ, formerHandler);
-    }
-    FullDisk(const FullDisk &) = delete;
-    FullDisk &operator=(const FullDisk &) = delete;
+    ~FullDisk() { setrlimit(RLIMIT_FSIZE, &former); }
+    Q_DISABLE_COPY_MOVE(FullDisk)
 
-private:
     rlimit former{};
-    void (*formerHandler)(int);
 };

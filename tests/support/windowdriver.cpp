@@ -156,18 +156,6 @@ void WindowDriver::setOutputFolder(const QString &folder) const
     widget<QLineEdit>("outputfolderEdit")->setText(folder);
 }
 
-DesktopFont::DesktopFont(qreal pointSize) : usual(QApplication::font())
-{
-    QFont font = usual;
-    font.setPointSizeF(pointSize);
-    QApplication::setFont(font);
-}
-
-DesktopFont::~DesktopFont()
-{
-    QApplication::setFont(usual);
-}
-
 void whenDialogOpens(const std::function<void(QDialog *)> &answer)
 {
     auto *watch = new QTimer(qApp);

@@ -5,7 +5,7 @@
 
 #include "mainwindow/process.h"
 
-#include <QFont>
+#include <QApplication>
 #include <QPushButton>
 #include <QSettings>
 #include <QStringList>
@@ -63,15 +63,13 @@ public:
 };
 
 /// As long as it lives, the desktop's font has this size.
-class DesktopFont
+struct DesktopFont
 {
-public:
-    explicit DesktopFont(qreal pointSize);
-    ~DesktopFont();
+    explicit DesktopFont(int pointSize) { QApplication::setFont({usual.family(), pointSize}); }
+    ~DesktopFont() { QApplication::setFont(usual); }
     Q_DISABLE_COPY_MOVE(DesktopFont)
 
-private:
-    QFont usual;
+    const QFont usual = QApplication::font();
 };
 
 /// Runs `answer` with the next modal dialog as soon as it is there. The dialog is closed afterwards
