@@ -7,6 +7,7 @@
 #include <QByteArrayList>
 
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <dirent.h>
 #include <memory>
@@ -55,13 +56,13 @@ void mark(const FolderDescriptor &folder)
         ::close(file);
 }
 
-/// The mark goes last: what is interrupted half-way is found by the next window. It comes back when
-/// a tool of a killed window was still writing and the folder is not empty.
-bool removeFolder(const FolderDescriptor &folder, int parent, const char *name)
+/// The mark goes last, so that what is interrupted half-way is found by the next window, and comes
+/// back if the folder cannot go.
+bool removeFolder(const FolderDescriptor &folder, const QByteArray &path)
 {
     emptyFolder(folder, markName);
     ::unlinkat(folder.get(), markName, 0);
-    if (::unlinkat(parent, name, AT_REMOVEDIR) == 0 || errno == ENOENT)
+    if (::rmdir(path.constData()) == 0 || errno == ENOENT)
         return true;
     mark(folder);
     return false;
@@ -101,7 +102,7 @@ bool removeClaimedFolder(const FolderDescriptor &folder, const QByteArray &path)
     if (!present.isOpen())
         return true;
     const bool isMadeAgain = !isSameFolder(folder, present);
-    return removeFolder(isMadeAgain ? present : folder, AT_FDCWD, path.constData());
+    return removeFolder(isMadeAgain ? present : folder, path);
 }
 
 void removeAbandonedFolders(const QByteArray &parent, const QByteArray &namePrefix)
@@ -114,7 +115,16 @@ void removeAbandonedFolders(const QByteArray &parent, const QByteArray &namePref
         if (!name.startsWith(namePrefix) || name.size() != namePrefix.size() + 6)
             continue;
         const FolderDescriptor folder(parentFolder.get(), name.constData());
-        if (folder.isOpen() && isAbandoned(folder))
-            removeFolder(folder, parentFolder.get(), name.constData());
+        if (!folder.isOpen() || !isAbandoned(folder))
+            continue;
+        // A tool of the killed window may still be filling the folder. Under another name it finds
+        // the folder no more, and gives up.
+        QByteArray otherPath = parent + '/' + namePrefix + "XXXXXX";
+        if (!::mkdtemp(otherPath.data()))
+            continue;
+        if (::renameat(parentFolder.get(), name.constData(), AT_FDCWD, otherPath.constData()) == 0)
+            removeFolder(folder, otherPath);
+        else
+            ::rmdir(otherPath.constData());
     }
 }

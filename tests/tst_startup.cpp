@@ -134,6 +134,7 @@ private slots:
     {
         QTest::addColumn<bool>("stays");
         QTest::newRow("killed") << false;
+        QTest::newRow("killed, its tool goes on") << false;
         QTest::newRow("living") << true;
         QTest::newRow("of another user") << true;
         QTest::newRow("not made by a window") << true;
@@ -151,7 +152,7 @@ private slots:
         QTRY_VERIFY(QFileInfo::exists(mark));
         const QTemporaryDir elsewhere(QDir::homePath() + "/XXXXXX");
         QVERIFY(QDir(folder).mkpath("inner"));
-        QVERIFY(QFile::copy(logFile(), elsewhere.filePath("text")));
+        QVERIFY(QFile::copy(mark, elsewhere.filePath("text")));
         QVERIFY(QFile::link(elsewhere.path(), folder + "/inner/link"));
         if (row != "living") {
             window.kill();
@@ -165,6 +166,11 @@ private slots:
             QVERIFY(QFile::rename(folder, elsewhere.filePath("folder")));
             QVERIFY(QFile::link(elsewhere.filePath("folder"), folder));
         }
+        QProcess tool;
+        if (row == "killed, its tool goes on") {
+            tool.start("sh", {"-c", "while : >\"$0/$((n += 1))\"; do :; done", folder});
+            QTRY_VERIFY(QFileInfo::exists(folder + "/100"));
+        }
         Run next;
         const auto foldersOfNext = [&name] {
             QStringList names = temporaryFolders();
@@ -172,8 +178,10 @@ private slots:
             return names.size();
         };
         QTRY_COMPARE(foldersOfNext(), 1);
+        QCOMPARE(QFileInfo::exists(folder), stays);
         QCOMPARE(QFileInfo::exists(folder + "/inner/link"), stays);
         QVERIFY(QFileInfo::exists(elsewhere.filePath("text")));
+        QVERIFY(tool.state() == QProcess::NotRunning || tool.waitForFinished());
     }
 
     void noDisplay_data()
