@@ -91,6 +91,10 @@ private slots:
         row("no such rule", batch, "", 0, {"1   in 1-6.pdf: 1 2 3 4 5 6"});
         row("slash and quotes", {{"1", "1/7 \"Hi\"", 1}, {"2", "1/8 \"\"\"", 1}}, customer, 0,
             {"1 1-7 \"Hi\" in 1.pdf: 1", "2 1-8 \"\"\" in 2.pdf: 2"});
+        row("like options and folders", {{"1", "-outfile", 1}, {"2", "..", 1}, {"3", "../../x", 1}},
+            customer, 0,
+            {"1 -outfile -merge 1.pdf: 1", "2 .. -merge 2.pdf: 2", "3 ..-..-x -merge 3.pdf: 3"},
+            "-merge");
         row("not Latin",
             {{"1", QString::fromUtf8("Счёт №7"), 1}, {"2", QString::fromUtf8("請求書"), 1}},
             customer, 0,
