@@ -9,9 +9,9 @@
 
 /// Writes a large batch of invoices as one PDF file, for measuring: documents of 1 to 9 pages, each
 /// with its own invoice number at one place of every page, about 3,400 glyphs and five objects a
-/// page. The same page count gives the same bytes.
+/// page; or all of the same number of pages. The same arguments give the same bytes.
 ///
-/// Usage: make_invoices OUT [PAGES]
+/// Usage: make_invoices OUT [PAGES [PAGES-A-DOCUMENT]]
 namespace {
 
 class Random
@@ -151,7 +151,7 @@ std::string font(const char *name)
            name + " >>";
 }
 
-bool writeInvoices(const char *path, int pageCount)
+bool writeInvoices(const char *path, int pageCount, int pagesPerDocument)
 {
     constexpr int pagesPerNode = 100;
     PdfFile file(path);
@@ -168,7 +168,7 @@ bool writeInvoices(const char *path, int pageCount)
         if (page == pages) {
             ++invoice;
             page = 0;
-            pages = 1 + static_cast<int>(random.below(9));
+            pages = pagesPerDocument > 0 ? pagesPerDocument : 1 + static_cast<int>(random.below(9));
         }
         if (i % pagesPerNode == 0) {
             nodes.emplace_back();
@@ -211,11 +211,12 @@ bool writeInvoices(const char *path, int pageCount)
 int main(int argc, char *argv[])
 {
     const int pageCount = argc > 2 ? std::atoi(argv[2]) : 5000;
-    if (argc < 2 || argc > 3 || pageCount < 1) {
-        std::fprintf(stderr, "usage: make_invoices OUT [PAGES]\n");
+    const int pagesPerDocument = argc > 3 ? std::atoi(argv[3]) : 0; // 0: 1 to 9
+    if (argc < 2 || argc > 4 || pageCount < 1) {
+        std::fprintf(stderr, "usage: make_invoices OUT [PAGES [PAGES-A-DOCUMENT]]\n");
         return 2;
     }
-    if (!writeInvoices(argv[1], pageCount)) {
+    if (!writeInvoices(argv[1], pageCount, pagesPerDocument)) {
         std::fprintf(stderr, "make_invoices: cannot write %s\n", argv[1]);
         return 5;
     }
