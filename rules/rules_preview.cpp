@@ -7,6 +7,7 @@
 #include "split/layoutscan.h"
 #include "split/toolcommands.h"
 #include "split/toolprocesses.h"
+#include "split/workingfolder.h"
 #include "ui_rules.h"
 
 #include <QCoreApplication>
@@ -22,7 +23,6 @@
 #include <QProcess>
 #include <QScopedValueRollback>
 #include <QSettings>
-#include <QStandardPaths>
 #include <QToolTip>
 #include <QUrl>
 
@@ -35,9 +35,11 @@ constexpr int converterTimeoutMs = 30000;
 /// A layout of more lines is a broken one.
 constexpr qsizetype maxFragments = 10000;
 
-QString temporaryFolder()
+/// Where the converter leaves the page's image; empty when there is no folder for working files.
+QString imageFile()
 {
-    return QStandardPaths::writableLocation(QStandardPaths::TempLocation);
+    const QString folder = workingFolder();
+    return folder.isEmpty() ? QString() : previewImageFile(folder);
 }
 
 /// `image` at `zoom`, as sharp as the screen can show it.
@@ -122,8 +124,10 @@ void Rules::setPageChange()
 /// A page that could not be converted is an empty view and not the page shown before.
 void Rules::convertPage(int page)
 {
-    generatePNGfile(sampleFile, page, previewOutput(temporaryFolder()));
-    if (!QFile::exists(previewImageFile(temporaryFolder())))
+    const QString folder = workingFolder();
+    if (!folder.isEmpty())
+        generatePNGfile(sampleFile, page, previewOutput(folder));
+    if (!QFile::exists(imageFile()))
         clearPageImage();
 }
 
@@ -156,15 +160,15 @@ void Rules::generatePNGfile(QString pdffile, int page, QString pngfile)
         hasConverted = true;
     } else if (hasConverted) {
         // A converter that runs removes its earlier outputs itself, whatever becomes of the page.
-        QFile::remove(previewImageFile(temporaryFolder()));
-        QFile::remove(previewLayoutFile(temporaryFolder()));
+        QFile::remove(imageFile());
+        QFile::remove(previewLayoutFile(workingFolder()));
     }
     converter.close();
 }
 
 bool Rules::setframeImage()
 {
-    const QImage image(previewImageFile(temporaryFolder()));
+    const QImage image(imageFile());
     if (image.isNull()) {
         showNote(
             tr("Page %1 cannot be shown. The log says why.").arg(ui->spinBox_pagenumber->value()));
@@ -187,7 +191,7 @@ bool Rules::setframeImage()
     pageLabel->adjustSize();
     makeRuleButton();
     dropLayoutReply();
-    const QUrl address = QUrl::fromLocalFile(previewLayoutFile(temporaryFolder()));
+    const QUrl address = QUrl::fromLocalFile(previewLayoutFile(workingFolder()));
     layoutReply = fileReader->get(QNetworkRequest(address));
     connect(layoutReply, &QNetworkReply::finished, this, &Rules::gethtmlinfo);
     return true;
@@ -249,7 +253,7 @@ void Rules::clearPageView()
 void Rules::showAtZoom(float newZoom)
 {
     newZoom = boundedZoom(newZoom);
-    const QSize image = QImageReader(previewImageFile(temporaryFolder())).size();
+    const QSize image = QImageReader(imageFile()).size();
     if (newZoom > zoom && pageFit(image, newZoom, devicePixelRatioF()) == PageFit::TooLarge) {
         QToolTip::showText(QCursor::pos(), tr("The page cannot be shown any larger."));
         return;
