@@ -4,8 +4,8 @@
 #include "batch/scheduler.h"
 
 #include "batch/fileprocess.h"
-#include "batch/sharedmemory.h"
 #include "batch/stopsignals.h"
+#include "pdf/isolation/sharedmemory.h"
 #include "pdf/isolation/supervision.h"
 
 #include <QFileInfo>
@@ -245,7 +245,7 @@ private:
     std::vector<std::size_t> waiting;  ///< the next one at the end
     std::vector<qsizetype> inputsDone; ///< of each group
     std::vector<long long> groupBytes;
-    SharedMemory<ProgressBoard> board;
+    pdf::SharedMemory<ProgressBoard> board;
     StopSignals stopSignals;
     RunState state;
     long long totalBytes = 0;

@@ -3,7 +3,7 @@
 
 #pragma once
 
-#include "batch/sharedmemory.h"
+#include "pdf/isolation/sharedmemory.h"
 
 #include <atomic>
 #include <cstddef>
@@ -43,5 +43,5 @@ private:
 
     std::size_t places;
     std::size_t capacity;
-    SharedMemory<Header> memory;
+    pdf::SharedMemory<Header> memory;
 };

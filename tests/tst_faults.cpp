@@ -92,6 +92,7 @@ private slots:
     void init()
     {
         output = std::make_unique<QTemporaryDir>(workPath("out-XXXXXX"));
+        qputenv("OUT", QFile::encodeName(output->path())); // for scripts
         writeInputs();
     }
 
@@ -118,6 +119,10 @@ private slots:
         row("converter writes a part", withFirst("real \"$@\"; rm $TMPDIR/split_pg_0003.htm"), "",
             "page 3", "1 X one 1-3.pdf");
         row("working folder removed", withFirst("rm -r $TMPDIR"), "", "page 1");
+        row("folder in the way",
+            withFirst("rm \"$OUT/one/2 Y one 3.pdf\"; "
+                      "mkdir -p \"$OUT/one/2 Y one 3.pdf/x\"; real \"$@\""),
+            "", "cannot be replaced", "1 X one 1-2.pdf");
         row("input gone", withFirst("rm one.pdf; real \"$@\""), "", "No such file", "");
         row("input grows", withFirst("cp longer.pdf one.pdf; real \"$@\""), "", "has more pages",
             "");

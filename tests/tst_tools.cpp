@@ -34,6 +34,7 @@ private slots:
     void infoFile();
     void layoutFiles_data();
     void layoutFiles();
+    void missingFontIsTold();
     void imageShowsThePage();
     void pageWithoutImageKeepsItsText();
     void earlierPagesTakeNoMemory();
@@ -339,6 +340,21 @@ void TestTools::layoutFiles()
     expected.sort();
     QCOMPARE(namesIn(folder.path()), expected);
     QCOMPARE(readFile(layoutPath(folder.path(), 4)), stale);
+}
+
+void TestTools::missingFontIsTold()
+{
+    const QTemporaryDir folder;
+    const QString input = folder.filePath("in.pdf");
+    // More pages than one process takes.
+    QByteArray bytes = simplePdf(QByteArrayList(40, showText(20, 100, "page")));
+    for (const bool isMissing : {false, true}) {
+        writeFile(input, isMissing ? bytes.replace("/Helvetica", "/Dinosaurs") : bytes);
+        const ToolResult result = convertPages(input, folder.path(), {});
+        QCOMPARE(result.exitCode, 0);
+        QCOMPARE(result.errors.count('\n'), isMissing ? 1 : 0);
+        QCOMPARE(result.errors.contains(" font Dinosaurs;"), isMissing);
+    }
 }
 
 void TestTools::imageShowsThePage()

@@ -48,6 +48,17 @@ double roundedSize(double size)
     return std::exp2(3 * std::round(std::log2(size) / 3));
 }
 
+/// Whether another font stands in for one that the document does not bring along. The standard 14
+/// fonts (ISO 32000-1, 9.6.2.2) and those that look like them never have to be brought along.
+bool isMissing(fz_context *context, const pdf_font_desc *description)
+{
+    fz_font *font = description->font;
+    const char *name = fz_font_name(context, font);
+    return fz_font_flags(font)->ft_substitute ||
+           (!description->is_embedded && font->t3procs == nullptr &&
+            pdf_clean_font_name(name) == name);
+}
+
 /// Leaves what is read of several characters: none without a trace, one blank between others, and
 /// the letter before its marks, wherever the font's map puts it.
 void tidy(FontGlyph &entry)
@@ -150,6 +161,8 @@ FontGlyphs *FontStore::glyphs(pdf_font_desc *font)
     if (found != fonts.end())
         return found->get();
     fonts.push_back(std::make_unique<FontGlyphs>(context, font));
+    if (missing.empty() && isMissing(context, font))
+        missing = fz_font_name(context, font->font);
     return fonts.back().get();
 }
 

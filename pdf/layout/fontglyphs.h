@@ -6,6 +6,7 @@
 #include <memory>
 #include <mupdf/fitz.h>
 #include <mupdf/pdf.h>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -79,10 +80,14 @@ public:
     [[nodiscard]] FontGlyphs *glyphs(pdf_font_desc *font);
     /// Keeps the store small; call it between pages.
     void forgetUnused();
+    /// The name of a font for which another one had to stand in, because the document does not
+    /// bring it along; empty when there was none.
+    [[nodiscard]] const std::string &missingFont() const { return missing; }
 
 private:
     fz_context *context;
     std::vector<std::unique_ptr<FontGlyphs>> fonts;
+    std::string missing;
 };
 
 } // namespace pdf

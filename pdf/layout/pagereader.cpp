@@ -356,4 +356,9 @@ std::string PageReader::image(int index)
     return pngFile(image);
 }
 
+std::string PageReader::missingFont() const
+{
+    return engine->fonts->missingFont();
+}
+
 } // namespace pdf

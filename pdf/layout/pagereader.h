@@ -66,6 +66,9 @@ public:
     /// The page at layoutDpi as a PNG file: what a viewer shows, annotations included.
     /// Throws Error(InputUnreadable), PageTooLarge.
     [[nodiscard]] std::string image(int index);
+    /// The name of a font that the pages read so far use and the file does not bring along, so that
+    /// another one stands in for it; empty when there was none.
+    [[nodiscard]] std::string missingFont() const;
 
 private:
     struct Engine;

@@ -3,6 +3,7 @@
 
 #include "pdf/layout/pageworkers.h"
 
+#include "pdf/isolation/sharedmemory.h"
 #include "pdf/isolation/supervision.h"
 
 #include <algorithm>
@@ -14,7 +15,6 @@
 #include <new>
 #include <optional>
 #include <sched.h>
-#include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <utility>
@@ -61,26 +61,6 @@ struct Board
     std::atomic<long long> clockMs{0};
     std::atomic<int> ending{0}; ///< exit code of what ended the whole work, 0 while it goes on
     Slot slots[maximalWorkers];
-};
-
-class SharedBoard
-{
-public:
-    SharedBoard()
-    {
-        void *memory = ::mmap(nullptr, sizeof(Board), PROT_READ | PROT_WRITE,
-                              MAP_SHARED | MAP_ANONYMOUS, -1, 0);
-        if (memory == MAP_FAILED)
-            throw std::bad_alloc();
-        board = ::new (memory) Board;
-    }
-    ~SharedBoard() { ::munmap(board, sizeof(Board)); }
-    SharedBoard(const SharedBoard &) = delete;
-    SharedBoard &operator=(const SharedBoard &) = delete;
-    Board *operator->() const { return board; }
-
-private:
-    Board *board = nullptr;
 };
 
 /// Holds back SIGCHLD, so that the supervisor can wait for it with a time limit.
@@ -283,7 +263,7 @@ private:
 
     const PageWork &work;
     int count;
-    SharedBoard board;
+    SharedMemory<Board> board;
     ChildSignal signal;
     pid_t processes[maximalWorkers] = {};
     int running = 0;

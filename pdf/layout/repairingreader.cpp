@@ -65,4 +65,9 @@ std::string RepairingReader::image(int index)
     return read(&PageReader::image, index);
 }
 
+std::string RepairingReader::missingFont() const
+{
+    return reader ? reader->missingFont() : std::string();
+}
+
 } // namespace pdf

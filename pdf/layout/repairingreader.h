@@ -19,6 +19,7 @@ public:
     /// As PageReader has them.
     [[nodiscard]] std::vector<Fragment> fragments(int index);
     [[nodiscard]] std::string image(int index);
+    [[nodiscard]] std::string missingFont() const;
 
 private:
     /// The reader, which is missing only while memory is short.

@@ -6,7 +6,9 @@
 #include "pdf/document/document.h"
 #include "pdf/document/outputfile.h"
 #include "pdf/document/pageranges.h"
+#include "pdf/document/utf8.h"
 #include "pdf/isolation/sandbox.h"
+#include "pdf/isolation/sharedmemory.h"
 #include "pdf/isolation/supervision.h"
 #include "pdf/layout/layoutfile.h"
 #include "pdf/layout/pageworkers.h"
@@ -14,6 +16,7 @@
 #include "tools/toolmain.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstdio>
 #include <functional>
 #include <memory>
@@ -184,11 +187,23 @@ private:
         const int page = first - 1 + index;
         // First, so that it is there also when the image cannot be drawn.
         pdf::writeOutputFile(files.layout, pdf::layoutFileText(reader->fragments(page)));
+        tellMissingFont();
         if (request.hasRange())
             pdf::writeOutputFile(files.image, reader->image(page));
     }
 
+    /// No fault of the page, but its image shows other letters than its author saw. Once for the
+    /// whole input: documents without their fonts usually lack them on every page.
+    void tellMissingFont()
+    {
+        const std::string font = reader->missingFont();
+        if (!font.empty() && !hasToldMissingFont->exchange(true))
+            printFailure("quillrend", request.input + ": does not bring along its font " +
+                                          pdf::singleLineUtf8(font) + "; another one stands in");
+    }
+
     const Request &request;
+    pdf::SharedMemory<std::atomic<bool>> hasToldMissingFont; ///< one of the workers has
     pdf::ReadablePages pages;
     std::unique_ptr<pdf::RepairingReader> reader;
     int first = 1;

@@ -3,8 +3,11 @@
 
 #pragma once
 
+#include <cstddef>
 #include <new>
 #include <sys/mman.h>
+
+namespace pdf {
 
 /// A T in memory that this process and its forks share, zeroed and constructed once. The kernel
 /// gives the pages as they are touched, so a large T costs nothing until it is used.
@@ -33,3 +36,5 @@ private:
     std::size_t size;
     T *object = nullptr;
 };
+
+} // namespace pdf
