@@ -38,6 +38,7 @@ private slots:
     void imageShowsThePage();
     void pageWithoutImageKeepsItsText();
     void earlierPagesTakeNoMemory();
+    void tableInManySections();
     void namesAreBytes();
     void inputIsNeverOverwritten();
 };
@@ -399,6 +400,29 @@ void TestTools::earlierPagesTakeNoMemory()
     const Limited memory(RLIMIT_DATA, 200 << 20);
     const ToolResult result = convertPages(input, folder.path());
     QVERIFY2(result.exitCode == 0, result.errors);
+}
+
+void TestTools::tableInManySections()
+{
+    // Each entry has a section of its own, and every other object none: the contents but for page
+    // 1's. Time with the square of the number would be more than a page may take.
+    constexpr int pages = 120000;
+    const QTemporaryDir folder;
+    const QString input = folder.filePath("in.pdf");
+    const QByteArray bytes = simplePdf(QByteArrayList(pages, showText(20, 100, "page")));
+    const qsizetype begin = bytes.lastIndexOf("\nxref\n") + 6;
+    const qsizetype end = bytes.indexOf("trailer", begin);
+    const QByteArrayList lines = bytes.mid(begin, end - begin).split('\n');
+    QByteArray table;
+    const qsizetype objects = lines.size() - 2; // less the section's first line and an empty one
+    for (qsizetype number = 0; number < objects; ++number) {
+        if (number < 5 || number % 2 == 0 || number == objects - 1)
+            table += QByteArray::number(number) + " 1\n" + lines[number + 1] + '\n';
+    }
+    writeFile(input, bytes.left(begin) + table + bytes.mid(end));
+    const ToolResult result = convertPages(input, folder.path(), {"-l", "1"});
+    QVERIFY2(result.exitCode == 0, result.errors);
+    QVERIFY(readFile(layoutPath(folder.path(), 1)).endsWith(">page</span>\n"));
 }
 
 void TestTools::namesAreBytes()

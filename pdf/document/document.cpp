@@ -9,6 +9,7 @@
 #include "pdf/error.h"
 
 #include <new>
+#include <utility>
 
 namespace pdf {
 
@@ -60,8 +61,11 @@ void Document::read(std::string_view bytes)
 {
     pdf = QPDF::create();
     pdf->setSuppressWarnings(true);
-    pdf->processInputSource(std::make_shared<TwoPartInput>(input.path(), bytes, appendixFor(bytes)),
-                            "");
+    Appendix appendix = appendixFor(bytes);
+    if (appendix.isWholeTable)
+        wholeReferenceTable = appendix.bytes;
+    pdf->processInputSource(
+        std::make_shared<TwoPartInput>(input.path(), bytes, std::move(appendix.bytes)), "");
     if (!salvaged.empty())
         findLostObjects(*pdf);
     bytesOfObjects =

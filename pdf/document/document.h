@@ -28,6 +28,9 @@ public:
     [[nodiscard]] const PageList &pages() const { return pageList; }
     /// A quick look at single objects.
     [[nodiscard]] const ObjectBytes &objectBytes() const { return *bytesOfObjects; }
+    /// To be appended to the file for readers that take long for a cross-reference table in many
+    /// sections: one that says the same in one section. Empty when the file is well as it is.
+    [[nodiscard]] std::string_view wholeTable() const { return wholeReferenceTable; }
     /// Whether the permissions allow taking pages out (ISO 32000-1, table 22, bit 11, or bit 4 in
     /// files of security handler revision 2).
     [[nodiscard]] bool mayAssemble();
@@ -42,6 +45,7 @@ private:
     bool salvage();
 
     MappedFile input;
+    std::string wholeReferenceTable;
     std::string salvaged; ///< stands for the input's bytes unless empty
     std::shared_ptr<QPDF> pdf;
     std::unique_ptr<ObjectBytes> bytesOfObjects;

@@ -8,6 +8,8 @@
 #include <algorithm>
 #include <charconv>
 #include <optional>
+#include <utility>
+#include <vector>
 
 namespace pdf {
 
@@ -70,8 +72,8 @@ public:
             if (*count == 0 || *first > maximalNumber || *count > text.size() / entryLength)
                 return false;
             size = std::max(size, *first + *count);
-            index += std::to_string(*first) + ' ' + std::to_string(*count) + ' ';
-            data.reserve(data.size() + *count * 8);
+            sections.emplace_back(*first, *count);
+            data.reserve(std::max(data.capacity(), data.size() + *count * entrySize));
             for (std::size_t i = 0; i < *count; ++i) {
                 if (!addEntry(text.data() + i * entryLength))
                     return false;
@@ -81,12 +83,48 @@ public:
         return size > 0;
     }
 
-    std::string index;
+    /// Makes one section of very many, with free entries between them. Returns whether that was
+    /// done: not where most entries would be new ones, nor where a number has two entries.
+    bool join()
+    {
+        constexpr std::size_t fewSections = 1000;
+        constexpr std::size_t largestGrowth = 8;
+        if (sections.size() <= fewSections || size * entrySize > data.size() * largestGrowth)
+            return false;
+        std::string joined(size * entrySize, '\0');
+        std::vector<bool> isTaken(size);
+        const char *entry = data.data();
+        for (const auto &[first, count] : sections) {
+            for (std::size_t number = first; number < first + count; ++number) {
+                if (isTaken[number])
+                    return false;
+                isTaken[number] = true;
+                std::copy_n(entry, entrySize, &joined[number * entrySize]);
+                entry += entrySize;
+            }
+        }
+        data = std::move(joined);
+        sections = {{0, size}};
+        return true;
+    }
+
+    /// The sections as a stream's /Index has them.
+    [[nodiscard]] std::string index() const
+    {
+        std::string result;
+        for (const auto &[first, count] : sections)
+            result += std::to_string(first) + ' ' + std::to_string(count) + ' ';
+        return result;
+    }
+
     std::string data;
     std::size_t size = 0; ///< greatest object number and one
 
 private:
     static constexpr std::size_t maximalNumber = 1U << 24U;
+    static constexpr std::size_t entrySize = 8;
+
+    std::vector<std::pair<std::size_t, std::size_t>> sections; ///< first number and how many
 
     /// "0000000015 00000 n \n"
     bool addEntry(const char *entry)
@@ -143,23 +181,26 @@ std::string trailerEntries(std::string_view text, std::size_t size)
 
 } // namespace
 
-std::string appendixFor(std::string_view file)
+Appendix appendixFor(std::string_view file)
 {
-    std::string result = streamEnd;
+    Appendix appendix{streamEnd};
+    std::string &result = appendix.bytes;
     std::string_view text = lastTable(file);
     Conversion table;
     if (text.empty() || !table.takeSections(text))
-        return result;
+        return appendix;
     const std::string trailer = trailerEntries(text, table.size);
     if (trailer.empty())
-        return result;
+        return appendix;
+    // A free entry would hide what an older table, to which /Prev leads, says of the object.
+    appendix.isWholeTable = trailer.find("/Prev ") == std::string::npos && table.join();
     const std::size_t offset = file.size() + result.size();
     // A number that no object has.
     result += std::to_string(table.size) + " 0 obj\n<< /Type /XRef /W [1 5 2]\n";
-    result += trailer + "/Index [" + table.index + "] /Length " +
+    result += trailer + "/Index [" + table.index() + "] /Length " +
               std::to_string(table.data.size()) + " >>\nstream\n" + table.data +
               "\nendstream\nendobj\nstartxref\n" + std::to_string(offset) + "\n%%EOF\n";
-    return result;
+    return appendix;
 }
 
 } // namespace pdf

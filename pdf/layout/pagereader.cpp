@@ -8,6 +8,7 @@
 #include "pdf/layout/glyphcollector.h"
 #include "pdf/layout/pagetext.h"
 #include "pdf/layout/pngfile.h"
+#include "pdf/layout/twopartstream.h"
 
 #include <cstring>
 #include <malloc.h>
@@ -188,7 +189,7 @@ fz_pixmap *draw(LoadedPage *loaded)
     return pixmap;
 }
 
-pdf_document *openDocument(fz_context *context, std::string_view bytes)
+pdf_document *openDocument(fz_context *context, std::string_view bytes, std::string_view appendix)
 {
     fz_stream *stream = nullptr;
     pdf_document *document = nullptr;
@@ -196,8 +197,7 @@ pdf_document *openDocument(fz_context *context, std::string_view bytes)
     fz_var(document);
     fz_try(context)
     {
-        stream = fz_open_memory(context, reinterpret_cast<const unsigned char *>(bytes.data()),
-                                bytes.size());
+        stream = openTwoParts(context, bytes, appendix);
         document = pdf_open_document_with_stream(context, stream);
         if (pdf_needs_password(context, document) != 0)
             fz_throw(context, FZ_ERROR_GENERIC, "needs a password");
@@ -212,6 +212,30 @@ pdf_document *openDocument(fz_context *context, std::string_view bytes)
         fz_rethrow(context);
     }
     return document;
+}
+
+/// Reads the node and those above it. What stops that is told when a page needs them.
+void readNodes(fz_context *context, pdf_document *document, int number)
+{
+    constexpr int levels = 50; // a damaged file can hold nodes that are each other's parents
+    pdf_obj *node = nullptr;
+    fz_var(node);
+    fz_try(context)
+    {
+        node = pdf_load_object(context, document, number);
+        pdf_obj *above = node;
+        for (int i = 0; i < levels && pdf_is_dict(context, above); ++i)
+            above = pdf_dict_get(context, above, PDF_NAME(Parent));
+    }
+    fz_always(context)
+    {
+        pdf_drop_obj(context, node);
+    }
+    fz_catch(context)
+    {
+        if (fz_caught(context) == FZ_ERROR_MEMORY)
+            fz_rethrow(context);
+    }
 }
 
 /// Number of the page object at the index of a page tree that is one node.
@@ -243,12 +267,28 @@ struct PageReader::Engine
     /// Throws MuPDF exceptions only.
     void open()
     {
-        document = openDocument(context.get(), pages.bytes());
+        document = openDocument(context.get(), pages.bytes(), pages.appendix());
         int index = 0;
         for (int &number : copiedPages)
             number = flatPageNumber(context.get(), document, index++);
+        readLargeNodes();
         pdf_mark_xref(context.get(), document);
         bytesAtStart = bytesInUse();
+    }
+
+    /// Reads the nodes in which each page looks for what it inherits, where they list so many pages
+    /// that reading them anew whenever pages are forgotten would take longer than the pages.
+    /// Throws MuPDF exceptions only.
+    void readLargeNodes() const
+    {
+        int listed = 0;
+        for (int index = 0; index < pages.count(); ++index) {
+            const QPDFObjGen parent = entry(index).parent;
+            const bool isSame = index > 0 && parent == entry(index - 1).parent;
+            listed = isSame ? listed + 1 : 1;
+            if (listed == pagesRemembered && parent.isIndirect())
+                readNodes(context.get(), document, parent.getObj());
+        }
     }
 
     /// Throws MuPDF exceptions only.

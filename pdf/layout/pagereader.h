@@ -22,6 +22,11 @@ public:
     explicit ReadablePages(Document &inputDocument);
 
     [[nodiscard]] std::string_view bytes() const { return view; }
+    /// What is to be read behind the bytes; usually nothing.
+    [[nodiscard]] std::string_view appendix() const
+    {
+        return isCopy() ? std::string_view() : document.wholeTable();
+    }
     [[nodiscard]] int count() const { return static_cast<int>(entries.size()); }
     /// The page object and the node above it, as numbered in the file (not in a copy).
     [[nodiscard]] const PageEntry &entry(int index) const
