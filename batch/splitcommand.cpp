@@ -66,10 +66,13 @@ QString stateOf(const QString &path)
 pdf::DocumentOptions makeDocumentOptions(const QString &settingsFile)
 {
     // Without this a mistyped name would give documents without their password.
-    if (!QFileInfo(settingsFile).isReadable())
+    const QFileInfo file(settingsFile);
+    if (!file.isFile() || !file.isReadable())
         refuse(settingsFile + QLatin1String(": cannot be read for --output-options"));
     const QSettings settings(settingsFile, QSettings::IniFormat);
     const OutputOptions stored = readOutputOptions(settings);
+    if (!stored.fault.isEmpty())
+        refuse(settingsFile + QLatin1String(": ") + stored.fault);
     pdf::DocumentOptions options;
     for (auto field = stored.information.begin(); field != stored.information.end(); ++field)
         options.information.emplace(field.key().toStdString(), field.value().toStdString());

@@ -7,6 +7,7 @@
 #include "rules/settingsfile.h"
 #include "ui_opdialog.h"
 
+#include <QFile>
 #include <QSettings>
 
 namespace {
@@ -44,10 +45,24 @@ void showResolution(const QComboBox *downsampleType, std::initializer_list<QWidg
         widget->setVisible(downsampleType->currentIndex() != closedType);
 }
 
+/// Lets only the owner read the file, from before a password gets into it. Later writes, which
+/// replace the file, give the new one the permissions of the old one.
+void makePrivate(const QString &path)
+{
+    QFile file(path);
+    const bool isThere = file.exists() || file.open(QIODevice::NewOnly | QIODevice::WriteOnly);
+    if (!isThere || !file.setPermissions(QFile::ReadOwner | QFile::WriteOwner))
+        qWarning("%s: other users may read its passwords: %s", qUtf8Printable(path),
+                 qUtf8Printable(file.errorString()));
+}
+
 } // namespace
 
 void OpDialog::setop()
 {
+    if (!ui->lineEdit_userpassword->text().isEmpty() ||
+        !ui->lineEdit_ownerpassword->text().isEmpty())
+        makePrivate(settingsFileName());
     {
         QSettings settings(settingsFileName(), QSettings::IniFormat);
         for (const Option &option : options)

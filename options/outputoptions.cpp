@@ -5,7 +5,10 @@
 
 #include "options/optionvalues.h"
 
+#include <QFile>
 #include <QSettings>
+#include <QStringDecoder>
+#include <QVariant>
 
 #include <algorithm>
 
@@ -37,6 +40,87 @@ constexpr InformationField informationFields[] = {
     {"Annot/Key", "/Keywords"}, {"Annot/Cre", "/Creator"}, {"Annot/Pro", "/Producer"},
 };
 
+/// Why the value is not the one text that a person meant by it, empty when it is. What the file
+/// says without quotes is a list from a comma on, and something else from an "@" on; a list would
+/// be read as an empty text.
+QString textFault(const QVariant &value)
+{
+    if (value.typeId() != QMetaType::QString)
+        return QStringLiteral("is not one text (one with a comma or an @ needs quotes)");
+    const QString text = value.toString();
+    const bool isOdd = std::any_of(text.begin(), text.end(),
+                                   [](QChar c) { return c.category() == QChar::Other_Control; });
+    return isOdd ? QStringLiteral("holds an escape such as \\b") : QString();
+}
+
+QString permissionFault(const QVariant &value)
+{
+    const bool isFlag = value == flagText(true) || value == flagText(false);
+    return isFlag ? QString() : QStringLiteral("is neither Ok nor No");
+}
+
+/// Options that say how a document is protected and what it tells of itself.
+struct CheckedOption
+{
+    const char *key;
+    QString (*faultOf)(const QVariant &value);
+};
+
+constexpr CheckedOption checkedOptions[] = {
+    {"Secur/UsrPwd", textFault},
+    {"Secur/OwrPwd", textFault},
+    {"Secur/AllowPri", permissionFault},
+    {"Secur/AllowMod", permissionFault},
+    {"Secur/AllowCop", permissionFault},
+    {"Secur/AllowAdd", permissionFault},
+    {"Annot/Tit", textFault},
+    {"Annot/Aut", textFault},
+    {"Annot/Sub", textFault},
+    {"Annot/Key", textFault},
+    {"Annot/Cre", textFault},
+    {"Annot/Pro", textFault},
+};
+
+/// Why the option may not be used as it stands, empty when it may.
+QString faultOf(const QSettings &settings, const QString &key)
+{
+    for (const CheckedOption &option : checkedOptions) {
+        const QLatin1String name(option.key);
+        if (key == name)
+            return option.faultOf(settings.value(key));
+        if (key.compare(name, Qt::CaseInsensitive) == 0)
+            return QLatin1String("is spelt ") + name;
+    }
+    return {};
+}
+
+/// Whether the file is UTF-8 throughout: the settings library leaves out what is not.
+bool isUtf8(const QString &path)
+{
+    QFile file(path);
+    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+    const QString text =
+        file.open(QIODevice::ReadOnly) ? decoder.decode(file.readAll()) : QString();
+    return file.error() == QFile::NoError && !decoder.hasError();
+}
+
+/// The first fault of the options and of the file that they stand in.
+QString firstFault(const QSettings &settings)
+{
+    const QStringList keys = settings.allKeys();
+    // Only now is the whole file parsed.
+    if (settings.status() != QSettings::NoError)
+        return QStringLiteral("cannot be read as settings");
+    if (!isUtf8(settings.fileName()))
+        return QStringLiteral("is not UTF-8 throughout");
+    for (const QString &key : keys) {
+        const QString fault = faultOf(settings, key);
+        if (!fault.isEmpty())
+            return key + QLatin1String(": ") + fault;
+    }
+    return {};
+}
+
 } // namespace
 
 OutputOptions readOutputOptions(const QSettings &settings)
@@ -44,6 +128,7 @@ OutputOptions readOutputOptions(const QSettings &settings)
     const auto text = [&](const char *key) { return settings.value(key).toString(); };
     const auto flag = [&](const char *key, bool absent) { return flagValue(text(key), absent); };
     OutputOptions options;
+    options.fault = firstFault(settings);
     for (const InformationField &field : informationFields) {
         const QString value = text(field.option);
         if (!value.isEmpty() && flag("Annot/Annot", true))

@@ -21,6 +21,9 @@ struct OutputOptions
     bool mayAnnotate = true;
 
     bool isPdfA = false;
+    /// The first option that cannot be read as what it has to be, and why; else empty. The others
+    /// are not to be relied on then: a document could be less protected than was asked for.
+    QString fault;
     /// Options that have no effect here although they were set, one sentence each.
     QStringList remarks;
 };

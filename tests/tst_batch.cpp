@@ -274,6 +274,39 @@ private slots:
             QCOMPARE(namesIn(output->path()), QStringList{"file"});
     }
 
+    /// Options that cannot be read never give documents that are less protected than asked for.
+    void unreadableOptions_data()
+    {
+        QTest::addColumn<QByteArray>("settings");
+        QTest::addColumn<QByteArray>("complaint"); // none: they can be read
+        const auto row = [](const QByteArray &settings, const QByteArray &complaint) {
+            QTest::newRow(settings.simplified()) << settings << complaint;
+        };
+        row("[Secur]\nUsrPwd=a,b\n", "Secur/UsrPwd: is not one text");
+        row("[Secur]\nOwrPwd=@Invalid()\n", "Secur/OwrPwd: is not one text");
+        row("[Secur]\nUsrPwd=caf\xE9\n", "is not UTF-8");
+        row("[Secur]\nUsrPwd=a\\bc\n", "Secur/UsrPwd: holds an escape");
+        row("[Secur]\nusrpwd=secret\n", "Secur/usrpwd: is spelt");
+        row("[Secur]\nUsrPwd=a\nAllowPri=no\n", "Secur/AllowPri: is neither Ok nor No");
+        row("[Secur]\nUsrPwd=a\nAllowCop=\n", "Secur/AllowCop: is neither Ok nor No");
+        row("[Annot]\nTit=Invoices, May\n", "Annot/Tit: is not one text");
+        row("[Secur]\nUsrPwd secret\n", "cannot be read as settings");
+        row("[Secur]\nUsrPwd=\"a,b\"\nAllowPri=No\n", "");
+    }
+    void unreadableOptions()
+    {
+        QFETCH(QByteArray, settings);
+        QFETCH(QByteArray, complaint);
+        writeFile(path("options.ini"), settings);
+        const ToolResult result =
+            batch({"--position", "1,1", "--output", output->path(), "--settings=options.ini",
+                   "--output-options", path("in.pdf")});
+        QCOMPARE(result.exitCode, complaint.isEmpty() ? 0 : 2);
+        QVERIFY2(result.errors.contains(complaint) && result.errors.count('\n') == 1,
+                 result.errors);
+        QCOMPARE(namesIn(output->path()).isEmpty(), !complaint.isEmpty());
+    }
+
     /// Document information, also in XMP, and passwords from the settings.
     void outputOptions()
     {

@@ -312,6 +312,31 @@ private slots:
         QCOMPARE(stored("Rechnung ä, 1/text"), "No. (1); 2");
     }
 
+    void passwordsAreForTheOwner_data()
+    {
+        QTest::addColumn<QString>("field");
+        QTest::addColumn<bool>("isThere");
+        QTest::newRow("no password") << "lineEdit_title" << true;
+        QTest::newRow("user password") << "lineEdit_userpassword" << true;
+        QTest::newRow("owner password, new file") << "lineEdit_ownerpassword" << false;
+    }
+    void passwordsAreForTheOwner()
+    {
+        QFETCH(const QString, field);
+        QFETCH(const bool, isThere);
+        const auto forOwner = QFile::ReadOwner | QFile::WriteOwner;
+        const auto forAll = forOwner | QFile::ReadGroup | QFile::ReadOther;
+        QFile file(settingsFileName());
+        store("Image/Image", "Ok");
+        QVERIFY(isThere ? file.setPermissions(forAll) : file.remove());
+        const Dialog dialog;
+        dialog.set(field, "secret");
+        dialog.get<QPushButton>("pushButton_apply")->click();
+        store("currule/rule", "later");
+        const auto named = ~(QFile::ReadUser | QFile::WriteUser);
+        QCOMPARE(file.permissions() & named, field == "lineEdit_title" ? forAll : forOwner);
+    }
+
     void markFile_data()
     {
         QTest::addColumn<QStringList>("typed");
