@@ -149,6 +149,10 @@ private slots:
         QVERIFY(folder.mkpath("."));
         for (const char *name : {"1 X one 1-2.pdf", "2 Y one 3.pdf", "1   one 1-3.pdf"})
             QVERIFY(QFile::copy(settingsFileName(), folder.filePath(name)));
+        // Nor what a longer file left for the pages.
+        const QString layout = QDir::temp().filePath("split_pg_%1.htm");
+        for (int page = 4; converter == "-" && page <= 2000; ++page)
+            QVERIFY(QFile::copy(settingsFileName(), layout.arg(page, 4, 10, QChar('0'))));
         WindowDriver driver;
         QVERIFY(driver.add(workPaths({"one.pdf", "two.pdf"})));
         driver.choose("Invoice number", 0, output->path());
@@ -247,6 +251,7 @@ private slots:
     void addedWhileRunning()
     {
         const StandIn stavekit("stavekit", "case $2 in -getinfo) sleep 0.2;; esac; real \"$@\"");
+        const StandIn quillrend("quillrend", "sleep 0.5; real \"$@\"");
         WindowDriver driver;
         QVERIFY(driver.add({workPath("one.pdf")}));
         driver.choose("Invoice number", 0, output->path());
@@ -254,6 +259,7 @@ private slots:
         driver.drop(workPaths({"longer.pdf", "two.pdf"}));
         QTRY_VERIFY(driver.isEnabled("removeButton"));
         QCOMPARE(driver.column(3), QStringList(3, "Succeed"));
+        QCOMPARE(driver.progress().filter("Analyzing page 1").size(), 3);
     }
 
     /// A window that is closed takes its tools with it.
