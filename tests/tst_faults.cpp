@@ -251,7 +251,7 @@ private slots:
     void addedWhileRunning()
     {
         const StandIn stavekit("stavekit", "case $2 in -getinfo) sleep 0.2;; esac; real \"$@\"");
-        const StandIn quillrend("quillrend", "sleep 0.5; real \"$@\"");
+        const StandIn quillrend("quillrend", "case $* in *longer*) sleep 0.5;; esac; real \"$@\"");
         WindowDriver driver;
         QVERIFY(driver.add({workPath("one.pdf")}));
         driver.choose("Invoice number", 0, output->path());
