@@ -36,7 +36,7 @@ File openFile(const std::string &path, int flags, const char *mode)
 
 std::int64_t nanoseconds(const timespec &time)
 {
-    constexpr std::int64_t perSecond = 1000 * 1000 * 1000;
+    constexpr std::int64_t perSecond = 1'000'000'000;
     return time.tv_sec * perSecond + time.tv_nsec;
 }
 
@@ -65,7 +65,7 @@ bool isPrivateFolder(const std::string &path)
 std::optional<InputState> settledState(const std::string &path)
 {
     constexpr int tries = 20; // a clock that was set back must not keep the caller for ever
-    constexpr timespec pause = {0, 1000 * 1000};
+    constexpr timespec pause = {0, 1'000'000};
     std::optional<InputState> state;
     for (int i = 0; i < tries; ++i) {
         timespec now = {};

@@ -228,8 +228,9 @@ void TestInterruptions::starterIsKilled()
     QFile::copy(QCoreApplication::applicationDirPath() + "/quillrend", tool);
     QVERIFY(QFile::copy("/bin/sh", programs.filePath(starter)));
     const QTemporaryDir folder;
+    constexpr int longPages = 8000;
     writeFile(folder.filePath("in.pdf"),
-              simplePdf(QByteArrayList(4 * pages, showText(20, 100, "page"))));
+              simplePdf(QByteArrayList(longPages, showText(20, 100, "page"))));
     int ends[2] = {-1, -1}; // all processes of the tool hold the second one
     QCOMPARE(::pipe(ends), 0);
     QProcess process;
@@ -244,7 +245,7 @@ void TestInterruptions::starterIsKilled()
     constexpr int timeLimitMs = 60000;
     QCOMPARE(::poll(&allEnded, 1, timeLimitMs), 1);
     ::close(ends[0]);
-    QCOMPARE(QFile::exists(layoutPath(folder.path(), 4 * pages)), !endsTool);
+    QCOMPARE(QFile::exists(layoutPath(folder.path(), longPages)), !endsTool);
     for (const QString &file : namesIn(folder.path()))
         QVERIFY2(file == "in.pdf" || readFile(folder.filePath(file)).endsWith("</span>\n"),
                  qPrintable(file));

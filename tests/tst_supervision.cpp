@@ -168,8 +168,6 @@ void TestSupervision::pages_data()
     lost(
         "exception of a library", [] { throw std::runtime_error("odd"); }, "odd");
     lost(
-        "library that gives up", [] { ::_exit(1); }, "crashes the reader");
-    lost(
         "library that is content", [] { ::_exit(0); }, "crashes the reader");
 #if !defined(__SANITIZE_ADDRESS__)
     lost("memory bomb", takeMemory, "needs too much memory");
@@ -255,8 +253,6 @@ void TestSupervision::document_data()
     };
     QTest::newRow("ends by itself") << Act([] { ::_exit(6); }) << 6 << QStringList();
     lost("crash", crash, "crashes the reader");
-    lost(
-        "abort", [] { std::abort(); }, "crashes the reader");
     lost("endless loop", loop, "takes too long to read, given up");
     lost("input becomes shorter", readBeyondTheEnd, "became shorter while it was read");
 }

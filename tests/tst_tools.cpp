@@ -107,8 +107,6 @@ void TestTools::usage_data()
     row("stavekit", "-help", 0);
     row("stavekit", "-version", 0);
     row("stavekit", "", 2);
-    row("stavekit", "@/in.pdf", 2);
-    row("stavekit", "@/in.pdf -getinfo", 2);
     row("stavekit", "@/in.pdf -getinfo -outfile", 2);
     row("stavekit", "@/in.pdf -getinfo 1 -outfile @/out", 2);
     row("stavekit", "@/in.pdf -merge -outfile @/out", 2);
@@ -118,12 +116,9 @@ void TestTools::usage_data()
     row("stavekit", "@/in.pdf -merge 1 4 -outfile @/out", 2);
     row("stavekit", "@/in.pdf -merge 2-1 -outfile @/out", 2);
     row("stavekit", "@/in.pdf -merge 1 x -outfile @/out", 2);
-    row("stavekit", "@/in.pdf -merge 1 -outfile @/out", 0);
-    row("stavekit", "@/in.pdf -getinfo -outfile @/out", 0);
     row("quillrend", "-help", 0);
     row("quillrend", "-version", 0);
     row("quillrend", "", 2);
-    row("quillrend", "-htmlformat", 2);
     row("quillrend", "-htmlformat @/in.pdf", 2);
     row("quillrend", "-htmlformat -x @/in.pdf @/out", 2);
     row("quillrend", "-htmlformat -f @/in.pdf @/out", 2);
