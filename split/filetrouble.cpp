@@ -31,7 +31,7 @@ void FileTrouble::fail(const QString &complaint)
 QString complaintToolTip(const QString &complaint, const QString &logFile)
 {
     const QString line = complaint.section(QLatin1Char('\n'), -1);
-    const QString text = withoutControlCharacters(line) + QLatin1Char('\n') + logFile;
+    const QString text = withoutControlCharacters(line) + QLatin1String("\nLog: ") + logFile;
     return QLatin1String("<p style=\"white-space:pre-wrap\">") + text.toHtmlEscaped() +
            QLatin1String("</p>");
 }

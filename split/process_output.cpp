@@ -79,8 +79,10 @@ QString Process::currentDocumentName() const
 /// The document of an earlier batch must not be taken for one of this batch when its tool fails.
 void Process::removeEarlierDocument(const QString &document)
 {
-    if (!QFile::remove(outputFile) && QFileInfo::exists(outputFile))
-        trouble.fail(document + QLatin1String(": what has its name already cannot be replaced"));
+    QFile earlier(outputFile);
+    if (!earlier.remove() && QFileInfo::exists(outputFile))
+        trouble.fail(document + QLatin1String(": what has its name cannot be replaced: ") +
+                     earlier.errorString());
 }
 
 void Process::documentEnded(const QString &document, const QString &complaint)
