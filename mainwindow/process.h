@@ -10,6 +10,7 @@
 #include "split/subtext.h"
 
 #include <QHash>
+#include <QPoint>
 #include <QPointer>
 #include <QStringList>
 #include <QWidget>
@@ -191,6 +192,7 @@ private:
     QPointer<QNetworkReply> layoutReply;
     QString layoutFolder;       ///< where the current file's layouts are; empty when there is none
     QStringList earlierLayouts; ///< layout files of earlier files that are still to be removed
+    QPoint batchRule; ///< the rule's position when the batch began
     int ruleXpos = 0;
     int ruleYpos = 0;
     int ruleWid = 0;

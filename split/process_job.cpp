@@ -75,7 +75,16 @@ QStringList Process::splitPage()
     for (int row = inputs.count(); row < ui->inputfiletableWidget->rowCount(); ++row)
         inputs.add(cellText(row, 0));
     const QSettings settings(settingsFileName(), QSettings::IniFormat);
-    const Subtext rule = readRule(settings, ui->comboBox_rule->currentText());
+    const QString ruleName = ui->comboBox_rule->currentText();
+    const Subtext rule = readRule(settings, ruleName);
+    if (rule.left == 0 && rule.top == 0)
+        trouble.note(settingsFileName() + QLatin1String(": has no position for the rule ") +
+                     ruleName);
+    // Its controls are off while a batch runs, so somebody else has written the settings.
+    if (fileIndex == 0)
+        batchRule = QPoint(rule.left, rule.top);
+    else if (batchRule != QPoint(rule.left, rule.top))
+        trouble.fail(settingsFileName() + QLatin1String(": the rule was changed meanwhile"));
     ruleXpos = rule.left;
     ruleYpos = rule.top;
     ruleWid = rule.width;

@@ -16,6 +16,8 @@
 
 namespace {
 
+const QString exampleSettings = QStringLiteral(SENDRIVO_EXAMPLES "/setting.ini");
+
 QString toolPath(const QString &name)
 {
     return QCoreApplication::applicationDirPath() + '/' + name;
@@ -83,7 +85,6 @@ class TestFaults : public QObject
 private slots:
     void initTestCase()
     {
-        QVERIFY(QFile::copy(SENDRIVO_EXAMPLES "/setting.ini", settingsFileName()));
         // Another state of an input: as many pages, other texts.
         QVERIFY(writeSamplePdf(workPath("other.pdf"), {{"P", "C", 1}, {"Q", "C", 2}}));
         QVERIFY(writeSamplePdf(workPath("longer.pdf"), {{"X", "C", 2}, {"Y", "C", 2}}));
@@ -92,6 +93,8 @@ private slots:
     void init()
     {
         output = std::make_unique<QTemporaryDir>(workPath("out-XXXXXX"));
+        QFile::remove(settingsFileName());
+        QVERIFY(QFile::copy(exampleSettings, settingsFileName()));
         qputenv("OUT", QFile::encodeName(output->path())); // for scripts
         writeInputs();
     }
@@ -126,6 +129,8 @@ private slots:
         row("input gone", withFirst("rm one.pdf; real \"$@\""), "", "No such file", "");
         row("input grows", withFirst("cp longer.pdf one.pdf; real \"$@\""), "", "has more pages",
             "");
+        row("settings spoilt", withFirst("echo '[%' >setting.ini; real \"$@\""), "", "", whole,
+            "Succeed Failed");
         row("toolbox missing", "", "-", "No such file", "", allFail);
         row("toolbox crashes", "", withFirst("kill -KILL $$"), "ended from outside", "");
         row("toolbox fails", "", withFirst("echo 'stavekit: disk full' >&2; exit 5"), "disk full",
@@ -148,11 +153,11 @@ private slots:
         const QDir folder(output->filePath("one"));
         QVERIFY(folder.mkpath("."));
         for (const char *name : {"1 X one 1-2.pdf", "2 Y one 3.pdf", "1   one 1-3.pdf"})
-            QVERIFY(QFile::copy(settingsFileName(), folder.filePath(name)));
+            QVERIFY(QFile::copy(exampleSettings, folder.filePath(name)));
         // Nor what a longer file left for the pages.
         const QString layout = QDir::temp().filePath("split_pg_%1.htm");
         for (int page = 4; converter == "-" && page <= 2000; ++page)
-            QVERIFY(QFile::copy(settingsFileName(), layout.arg(page, 4, 10, QChar('0'))));
+            QVERIFY(QFile::copy(exampleSettings, layout.arg(page, 4, 10, QChar('0'))));
         WindowDriver driver;
         QVERIFY(driver.add(workPaths({"one.pdf", "two.pdf"})));
         driver.choose("Invoice number", 0, output->path());
@@ -170,7 +175,7 @@ private slots:
         QVERIFY(!tip.contains("X one")); // a document's text is nobody else's business
         QStringList written;
         for (const QFileInfo &file : folder.entryInfoList(QDir::Files | QDir::Hidden)) {
-            if (file.size() != QFileInfo(settingsFileName()).size())
+            if (file.size() != QFileInfo(exampleSettings).size())
                 written.append(file.fileName());
         }
         QTEST(written.join('|'), "documents");
