@@ -3,7 +3,7 @@
 
 #include "app/privatetemporaryfolder.h"
 
-#include "app/claimedfolder.h"
+#include "system/claimedfolder.h"
 
 #include <QDir>
 #include <QFile>
@@ -12,17 +12,32 @@
 #include <cstdlib>
 #include <thread>
 
+namespace {
+
+constexpr FolderKind windowFolder = {"sendrivo-", ".sendrivo-window"};
+
+/// A cleaner may have removed the folder, and the window made it again: what is there now goes.
+bool removeFolder(const QByteArray &path)
+{
+    const FolderDescriptor present(AT_FDCWD, path.constData());
+    return !present.isOpen() || removeClaimedFolder(present, path.toStdString(), windowFolder);
+}
+
+} // namespace
+
 PrivateTemporaryFolder::PrivateTemporaryFolder() : earlierFolder(qgetenv("TMPDIR"))
 {
     const QByteArray parent = QFile::encodeName(QDir::tempPath());
-    removeAbandonedFolders(parent, "sendrivo-");
-    QByteArray name = parent + "/sendrivo-XXXXXX";
+    removeAbandonedFolders(
+        parent.toStdString(), windowFolder,
+        [](const FolderDescriptor &, const std::string &, bool isLockFree) { return isLockFree; });
+    QByteArray name = parent + '/' + windowFolder.namePrefix + "XXXXXX";
     if (!::mkdtemp(name.data())) { // for its owner only
         qErrnoWarning("No private temporary folder in %s", parent.constData());
         return;
     }
     path = name;
-    folder = claimFolder(path);
+    folder = claimFolder(name.toStdString(), windowFolder);
     qputenv("TMPDIR", path);
 }
 
@@ -44,6 +59,6 @@ void PrivateTemporaryFolder::remove() const
     // Workers of a tool that has just been ended may write for another moment.
     constexpr int attempts = 20;
     constexpr std::chrono::milliseconds pause(10);
-    for (int i = 0; i < attempts && !removeClaimedFolder(folder, path); ++i)
+    for (int i = 0; i < attempts && !removeFolder(path); ++i)
         std::this_thread::sleep_for(pause);
 }

@@ -3,7 +3,7 @@
 
 #pragma once
 
-#include "app/folderdescriptor.h"
+#include "system/folderdescriptor.h"
 
 #include <QByteArray>
 

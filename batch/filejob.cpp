@@ -158,7 +158,8 @@ void publish(const SplitPlan &plan, pdf::Document &document,
     }
     checkNotWritten(document, before);
     holdBackSignals();
-    staging.publish(paths, plan.existing == ExistingFiles::Overwrite);
+    if (!staging.publish(paths, plan.existing == ExistingFiles::Overwrite))
+        throw Error(ExitCode::OutputUnwritable, "documents of their names exist already");
 }
 
 void split(const SplitPlan &plan, const FileJob &job, FileProgress &progress, FileResult &result)

@@ -108,13 +108,13 @@ void FileProcess::clearAway() const
     constexpr std::chrono::milliseconds pause(10);
     const QDir folder(documentFolder);
     for (int i = 0; i < attempts && folder.exists(); ++i) {
-        removeAbandonedStaging(documentFolder);
+        const bool isLeft = clearStaging(documentFolder);
         if (folder.isEmpty(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot)) {
             if (!hadFolder)
                 ::rmdir(QFile::encodeName(documentFolder).constData());
             return;
         }
-        if (!hasStaging(documentFolder))
+        if (!isLeft)
             return;
         std::this_thread::sleep_for(pause);
     }

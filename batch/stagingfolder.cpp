@@ -3,41 +3,20 @@
 
 #include "batch/stagingfolder.h"
 
+#include "batch/stagingsweep.h"
 #include "pdf/error.h"
+#include "system/moving.h"
 
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
-#include <fcntl.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
-
-const QLatin1String hiddenName(".sendrivo-staging-");
-
-QStringList stagingFolders(const QString &folder)
-{
-    return QDir(folder).entryList({hiddenName + QLatin1Char('*')}, QDir::Dirs | QDir::Hidden);
-}
-
-/// Renames; without `mayReplace` a file that has the new name makes it fail.
-bool renameFile(const QByteArray &from, const QByteArray &to, bool mayReplace)
-{
-    if (mayReplace)
-        return ::rename(from.constData(), to.constData()) == 0;
-    // A link fails where the name is taken.
-    if (::link(from.constData(), to.constData()) == 0)
-        return ::unlink(from.constData()) == 0;
-    const bool knowsNoLinks = errno == EPERM || errno == EOPNOTSUPP || errno == ENOSYS;
-    return knowsNoLinks && ::access(to.constData(), F_OK) != 0 &&
-           ::rename(from.constData(), to.constData()) == 0;
-}
 
 bool haveSameBytes(const QString &path, const QString &otherPath)
 {
@@ -55,70 +34,47 @@ bool haveSameBytes(const QString &path, const QString &otherPath)
     return true;
 }
 
-/// Gives the file a second name, so that it outlives being replaced; moves it where that is not
-/// possible. True, too, when there is no file.
-bool keepFile(const QByteArray &path, const QByteArray &kept)
-{
-    struct stat status = {};
-    if (::lstat(path.constData(), &status) != 0)
-        return errno == ENOENT;
-    // What is kept is deleted in the end, and a folder that is in the way must not be.
-    if (S_ISDIR(status.st_mode)) {
-        errno = EISDIR;
-        return false;
-    }
-    return ::link(path.constData(), kept.constData()) == 0 ||
-           ::rename(path.constData(), kept.constData()) == 0;
-}
-
 } // namespace
 
 StagingFolder::StagingFolder(const QString &folder) : parent(folder)
 {
-    removeAbandonedStaging(parent);
     // Other runs get in the way only for moments, a link that leads nowhere does for good.
     constexpr int attempts = 100;
     for (int i = 1; !create(); ++i) {
         if (i == attempts)
             fail(parent);
     }
+    struct stat status = {};
+    if (::fstat(claim.get(), &status) == 0)
+        removeAbandonedStaging(QFile::encodeName(parent).toStdString(), status.st_mtime);
 }
 
-/// False when another process took the new folder for an abandoned one before it was locked, or
-/// removed the parent, which was still empty.
+/// False when another process removed the parent, which was still empty.
 bool StagingFolder::create()
 {
-    if (::mkdir(QFile::encodeName(parent).constData(), 0777) == 0)
+    const QByteArray folder = QFile::encodeName(parent);
+    if (::mkdir(folder.constData(), 0777) == 0)
         isParentNew = true;
     else if (errno != EEXIST)
         fail(parent);
-    QByteArray name = QFile::encodeName(parent) + '/' + hiddenName.data() + "XXXXXX";
-    const bool isMade = ::mkdtemp(name.data()) != nullptr;
-    lock = isMade ? ::open(name.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC) : -1;
-    if (lock < 0) {
-        const int cause = errno;
-        if (isMade)
-            ::rmdir(name.constData());
-        errno = cause;
-        if (cause != ENOENT)
-            fail(parent);
-        return false;
-    }
-    // A file system without locks leaves the folder unlocked, and nobody takes it for abandoned.
-    struct stat status = {};
-    const bool isTaken = ::flock(lock, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
-    if (!isTaken && ::stat(name.constData(), &status) == 0) {
-        hidden = QFile::decodeName(name);
+    hidden = folder + '/' + stagingNamePrefix().c_str() + "XXXXXX";
+    const bool isMade = ::mkdtemp(hidden.data()) != nullptr;
+    if (isMade)
+        claim = claimFolder(hidden.toStdString(), stagingKind);
+    if (claim.isOpen() && ::mkdirat(claim.get(), newDocuments, 0700) == 0)
         return true;
-    }
-    ::close(lock);
+    const int cause = errno;
+    if (isMade)
+        removeClaimedFolder(claim, hidden.toStdString(), stagingKind);
+    errno = cause;
+    if (cause != ENOENT)
+        fail(parent);
     return false;
 }
 
 StagingFolder::~StagingFolder()
 {
-    QDir(hidden).removeRecursively();
-    ::close(lock);
+    removeClaimedFolder(claim, hidden.toStdString(), stagingKind);
     // Only an empty folder can be removed this way.
     if (isParentNew)
         ::rmdir(QFile::encodeName(parent).constData());
@@ -132,12 +88,13 @@ void StagingFolder::fail(const QString &path)
 
 QString StagingFolder::pathOf(int index) const
 {
-    return hidden + QLatin1Char('/') + QString::number(index + 1) + QLatin1String(".pdf");
+    return QFile::decodeName(hidden) + QLatin1Char('/') + QLatin1String(newDocuments) +
+           QLatin1Char('/') + QString::number(index + 1) + QLatin1String(".pdf");
 }
 
-QString StagingFolder::keptPathOf(int index) const
+QByteArray StagingFolder::keptPath(const QByteArray &path) const
 {
-    return pathOf(index) + QLatin1String(".old");
+    return hidden + '/' + oldDocuments + path.mid(path.lastIndexOf('/'));
 }
 
 bool StagingFolder::isPublished(int index, const QString &path) const
@@ -145,49 +102,75 @@ bool StagingFolder::isPublished(int index, const QString &path) const
     return QFileInfo(path).isFile() && haveSameBytes(pathOf(index), path);
 }
 
-void StagingFolder::publish(const QStringList &paths, bool mayReplace)
+/// Gives the file a second name, so that it outlives being replaced; moves it where that is not
+/// possible. It keeps its name here: that is where it belongs when this process is killed.
+bool StagingFolder::keepFile(const QByteArray &path) const
 {
+    // What is kept is deleted in the end, and a folder that is in the way must not be.
+    struct stat status = {};
+    if (::lstat(path.constData(), &status) == 0 && S_ISDIR(status.st_mode)) {
+        errno = EISDIR;
+        return false;
+    }
+    if (::mkdirat(claim.get(), oldDocuments, 0700) != 0 && errno != EEXIST)
+        return false;
+    const QByteArray kept = keptPath(path);
+    return ::linkat(AT_FDCWD, path.constData(), AT_FDCWD, kept.constData(), 0) == 0 ||
+           ::rename(path.constData(), kept.constData()) == 0;
+}
+
+bool StagingFolder::giveName(Step &step, bool mayReplace)
+{
+    const auto identity = pdf::fileIdentity(step.document.toStdString());
+    step.isNamed = moveUnlessTaken({AT_FDCWD, step.document.toStdString()},
+                                   {AT_FDCWD, step.target.toStdString()});
+    if (!step.isNamed && errno == EEXIST && mayReplace) {
+        // Names that look different to us may be the same to a file system.
+        const auto there = pdf::fileIdentity(step.target.toStdString());
+        errno = EEXIST;
+        if (there && published.count(*there) != 0)
+            return false;
+        step.hasKept = keepFile(step.target);
+        step.isNamed =
+            step.hasKept && ::rename(step.document.constData(), step.target.constData()) == 0;
+    }
+    if (step.isNamed && identity)
+        published.insert(*identity);
+    return step.isNamed;
+}
+
+bool StagingFolder::publish(const QStringList &paths, bool mayReplace)
+{
+    std::vector<Step> steps;
     for (int index = 0; index < paths.size(); ++index) {
-        const QByteArray target = QFile::encodeName(paths[index]);
         if (!mayReplace && isPublished(index, paths[index]))
             continue;
-        if ((!mayReplace || keepFile(target, QFile::encodeName(keptPathOf(index)))) &&
-            renameFile(QFile::encodeName(pathOf(index)), target, mayReplace))
+        steps.push_back({QFile::encodeName(pathOf(index)), QFile::encodeName(paths[index])});
+        if (giveName(steps.back(), mayReplace))
             continue;
         const int cause = errno;
-        takeBack(paths, index);
+        takeBack(steps);
+        if (cause == EEXIST && !mayReplace)
+            return false;
         errno = cause;
         fail(paths[index]);
     }
+    return true;
 }
 
-void StagingFolder::takeBack(const QStringList &paths, int failed) const
+void StagingFolder::takeBack(const std::vector<Step> &steps) const
 {
-    for (int index = failed; index >= 0; --index) {
-        const QByteArray target = QFile::encodeName(paths[index]);
-        const QByteArray kept = QFile::encodeName(keptPathOf(index));
-        const bool wasThere = ::rename(kept.constData(), target.constData()) == 0;
-        // What has not left this folder is not what has the name.
-        if (!wasThere && errno == ENOENT && !QFile::exists(pathOf(index)))
-            ::unlink(target.constData());
+    for (auto step = steps.rbegin(); step != steps.rend(); ++step) {
+        if (step->hasKept)
+            ::rename(keptPath(step->target).constData(), step->target.constData());
+        else if (step->isNamed)
+            ::rename(step->target.constData(), step->document.constData());
     }
 }
 
-void removeAbandonedStaging(const QString &folder)
+bool clearStaging(const QString &folder)
 {
-    for (const QString &name : stagingFolders(folder)) {
-        const QString path = folder + QLatin1Char('/') + name;
-        const int held =
-            ::open(QFile::encodeName(path).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-        if (held < 0)
-            continue;
-        if (::flock(held, LOCK_EX | LOCK_NB) == 0)
-            QDir(path).removeRecursively();
-        ::close(held);
-    }
-}
-
-bool hasStaging(const QString &folder)
-{
-    return !stagingFolders(folder).isEmpty();
+    const std::string path = QFile::encodeName(folder).toStdString();
+    removeAbandonedStaging(path, std::nullopt);
+    return hasClaimedFolder(path, stagingKind);
 }

@@ -3,12 +3,19 @@
 
 #pragma once
 
+#include "pdf/document/mappedfile.h"
+#include "system/folderdescriptor.h"
+
+#include <QByteArray>
 #include <QString>
 #include <QStringList>
 
+#include <set>
+#include <vector>
+
 /// A hidden folder inside the folder of a file's documents, in which they are written until all of
-/// them are whole. It disappears with the object. A killed process leaves it behind; it is held by
-/// a lock, so the next one recognises and removes it, on other machines, too.
+/// them are whole. It disappears with the object. A killed process leaves it behind, and the next
+/// run removes it (batch/stagingsweep.h).
 class StagingFolder
 {
 public:
@@ -23,25 +30,36 @@ public:
     [[nodiscard]] QString pathOf(int index) const;
     /// Whether the file at the path is the document with this index, to the byte.
     [[nodiscard]] bool isPublished(int index, const QString &path) const;
-    /// Gives the documents their names, in this order. Unless `mayReplace`, a file that has such a
-    /// name and is not the document already makes it fail. On failure those that were named are
-    /// removed again, and the files that they had replaced have their names back.
+    /// Gives the documents their names, in this order. Returns false when, without `mayReplace`, a
+    /// file that is not the document has such a name: then all are here again. On other failures
+    /// those that were named are gone, and the files that they had replaced have their names back.
     /// Throws pdf::Error(OutputUnwritable).
-    void publish(const QStringList &paths, bool mayReplace);
+    [[nodiscard]] bool publish(const QStringList &paths, bool mayReplace);
 
 private:
+    /// What has been done about a document's name so far.
+    struct Step
+    {
+        QByteArray document; ///< here
+        QByteArray target;
+        bool hasKept = false; ///< a file that had the name
+        bool isNamed = false;
+    };
+
     bool create();
-    [[nodiscard]] QString keptPathOf(int index) const;
-    void takeBack(const QStringList &paths, int failed) const;
+    bool giveName(Step &step, bool mayReplace);
+    [[nodiscard]] bool keepFile(const QByteArray &path) const;
+    [[nodiscard]] QByteArray keptPath(const QByteArray &path) const;
+    void takeBack(const std::vector<Step> &steps) const;
     [[noreturn]] static void fail(const QString &path);
 
     QString parent;
     bool isParentNew = false;
-    QString hidden;
-    int lock = -1;
+    QByteArray hidden;
+    FolderDescriptor claim;
+    std::set<pdf::FileIdentity> published;
 };
 
-/// Removes the staging folders in `folder` that nobody holds any more.
-void removeAbandonedStaging(const QString &folder);
-/// Whether there is any staging folder in `folder`, held or not.
-[[nodiscard]] bool hasStaging(const QString &folder);
+/// Clears away what ended processes of this system have left in `folder`. Returns whether any
+/// staging folder is left there.
+[[nodiscard]] bool clearStaging(const QString &folder);

@@ -3,8 +3,6 @@
 
 #pragma once
 
-#include <QtGlobal>
-
 #include <fcntl.h>
 #include <unistd.h>
 #include <utility>
@@ -31,7 +29,8 @@ public:
         if (isOpen())
             ::close(number);
     }
-    Q_DISABLE_COPY(FolderDescriptor)
+    FolderDescriptor(const FolderDescriptor &) = delete;
+    FolderDescriptor &operator=(const FolderDescriptor &) = delete;
 
     [[nodiscard]] bool isOpen() const { return number >= 0; }
     [[nodiscard]] int get() const { return number; }

@@ -1,0 +1,147 @@
+// SPDX-FileCopyrightText: 2026 The Sendrivo authors
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "batch/stagingfolder.h"
+#include "batch/stagingsweep.h"
+#include "tests/support/batchrunner.h"
+#include "tests/support/pdfbuilder.h"
+#include "tests/support/privatefolders.h"
+#include "tests/support/samplepdf.h"
+
+#include <QDir>
+#include <QGuiApplication>
+#include <QScopeGuard>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr int timeLimitMs = 60000;
+
+QString path(const QString &name)
+{
+    return QDir::current().filePath(name);
+}
+
+void writePages(const QString &name, const QList<QByteArray> &texts)
+{
+    QDir().mkpath(QFileInfo(name).path());
+    QList<QByteArray> pages;
+    for (const QByteArray &text : texts)
+        pages.append(showText(30, 100, text));
+    writeFile(name, simplePdf(pages));
+}
+
+} // namespace
+
+/// What is there already stays, and documents of one run stay beside each other.
+class TestBatchSafety : public QObject
+{
+    Q_OBJECT
+
+    std::unique_ptr<QTemporaryDir> output;
+
+    [[nodiscard]] QStringList arguments(const QStringList &further) const
+    {
+        return QStringList{"--position", "1,1", "--tolerance", "900", "--output", output->path()} +
+               further;
+    }
+
+private slots:
+    void init()
+    {
+        output = std::make_unique<QTemporaryDir>();
+        writePages(path("in.pdf"), {"A", "B", "C"});
+    }
+
+    /// What a killed run has left goes, and nothing else; a file that it had replaced comes back.
+    void abandoned_data()
+    {
+        QTest::addColumn<bool>("stays");
+        QTest::newRow("killed") << false;
+        QTest::newRow("link to somebody's folder") << true;
+        QTest::newRow("not made by this program") << true;
+        QTest::newRow("of another system, changed just now") << true;
+        QTest::newRow("of another system, changed days ago") << false;
+    }
+    void abandoned()
+    {
+        QFETCH(bool, stays);
+        const QByteArray row = QTest::currentDataTag();
+        const QString folder = output->filePath("in");
+        const pid_t killed = ::fork();
+        if (killed == 0) {
+            QDir().mkdir(folder);
+            const StagingFolder staging(folder);
+            ::_exit(0);
+        }
+        ::waitpid(killed, nullptr, 0);
+        QString staging =
+            folder + '/' +
+            QDir(folder).entryList(QDir::Dirs | QDir::Hidden | QDir::NoDotAndDotDot).value(0);
+        QDir(staging).mkdir("old");
+        writeFile(staging + "/old/report", "mine");
+        if (row.startsWith("link")) {
+            QVERIFY(QFile::rename(staging, output->filePath("precious")));
+            QVERIFY(QFile::link(output->filePath("precious"), staging));
+        } else if (row.startsWith("not")) {
+            QVERIFY(QFile::remove(staging + '/' + stagingKind.markName));
+        } else if (row.startsWith("of")) {
+            const QString other = folder + '/' + stagingKind.namePrefix + "host-start-aB3cD4";
+            QVERIFY(QFile::rename(staging, other));
+            staging = other;
+        }
+        if (row.endsWith("ago")) {
+            const timespec then = {::time(nullptr) - 2 * 24 * 60 * 60, 0};
+            const timespec times[] = {then, then};
+            for (const QString &name : {staging, staging + "/new"})
+                QCOMPARE(::utimensat(AT_FDCWD, qPrintable(name), times, 0), 0);
+        }
+        QCOMPARE(batch(arguments({path("in.pdf")})).exitCode, 0);
+        QCOMPARE(QFile::exists(staging + "/old/report"), stays);
+        QCOMPARE(QFile::exists(folder + "/report"), !stays);
+        QCOMPARE(QFile::exists(staging), stays);
+    }
+
+    /// Where there are no links a file that is being replaced has no name for a moment.
+    void killedWhileReplacing_data()
+    {
+        QTest::addColumn<QByteArray>("victim");
+        QTest::newRow("process of the input") << QByteArray("process");
+        QTest::newRow("all processes") << QByteArray("group");
+    }
+    void killedWhileReplacing()
+    {
+        QFETCH(QByteArray, victim);
+        QDir(output->path()).mkdir("in");
+        const QString there = output->filePath("in/2 B in 2.pdf");
+        writeFile(there, "mine");
+        const auto runPoorly = [&](const QStringList &options) {
+            const auto restore = qScopeGuard([] { qunsetenv("LD_PRELOAD"); });
+            qputenv("LD_PRELOAD", SENDRIVO_POOR_FILE_SYSTEM);
+            const auto run = startBatch(arguments(options + QStringList{path("in.pdf")}));
+            return run->waitForFinished(timeLimitMs) && run->exitStatus() == QProcess::NormalExit
+                       ? run->exitCode()
+                       : -1;
+        };
+        qputenv("POOR_KILL", victim);
+        const int exitCode = runPoorly({});
+        qunsetenv("POOR_KILL");
+        QCOMPARE(exitCode, victim == "group" ? -1 : 3);
+        QCOMPARE(QFile::exists(there), victim != "group");
+        QFile::remove(output->filePath("in/1 A in 1.pdf"));
+        QCOMPARE(runPoorly({"--existing", "fail"}), 5);
+        QCOMPARE(filesIn(output->path()), (QMap<QString, QByteArray>{{"in/2 B in 2.pdf", "mine"}}));
+        QCOMPARE(runPoorly({}), 0);
+        QCOMPARE(namesIn(output->path()),
+                 QStringList({"in/1 A in 1.pdf", "in/2 B in 2.pdf", "in/3 C in 3.pdf"}));
+        QVERIFY(readFile(there) != "mine");
+    }
+};
+
+SENDRIVO_TEST_MAIN(TestBatchSafety, QGuiApplication)
+#include "tst_batchsafety.moc"
