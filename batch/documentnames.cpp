@@ -9,7 +9,9 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QSet>
 
+#include <algorithm>
 #include <optional>
 
 namespace {
@@ -17,10 +19,11 @@ namespace {
 class Namer
 {
 public:
-    Namer(const SplitPlan &splitPlan, const QString &inputFile, const TakenPaths &takenPaths,
+    Namer(const SplitPlan &splitPlan, const QString &inputFile, const TakenPlaces &takenPlaces,
           const IsWritten &isDocumentWritten)
-        : plan(splitPlan), input(inputFile), taken(takenPaths), isWritten(isDocumentWritten),
-          baseName(QFileInfo(inputFile).baseName())
+        : plan(splitPlan), input(inputFile), taken(takenPlaces), isWritten(isDocumentWritten),
+          baseName(QFileInfo(inputFile).baseName()),
+          folder(documentsFolder(plan.outputFolder, baseName)), keyOfFolder(folderKey(folder))
     {
         if (!plan.nameTemplate.isEmpty())
             pattern.emplace(plan.nameTemplate);
@@ -29,39 +32,43 @@ public:
     QString path(int number, const QString &text, const QString &range)
     {
         OutputDocument document = {number, text, baseName, range, 1};
-        const QString wanted = pathOf(document);
         // A pattern may give thousands of documents the same name: go on where the last one ended.
-        int &lastCopy = lastCopies[wanted];
+        int &lastCopy = lastCopies[nameKey(fileName(document))];
         const auto pathOfCopy = [&](int) {
             document.copy = ++lastCopy;
-            return pathOf(document);
+            return folder + QLatin1Char('/') + fileName(document);
         };
         const QString result = firstFreePath(
             pathOfCopy, [&](const QString &candidate) { return isFree(candidate, number); });
         check(result, number);
-        own.insert(result);
+        own.insert(keyOf(result));
         return result;
     }
 
 private:
-    [[nodiscard]] QString pathOf(const OutputDocument &document) const
+    [[nodiscard]] QString fileName(const OutputDocument &document) const
     {
-        if (!pattern)
-            return outputPath(plan.outputFolder, document, plan.methodIndex);
-        return documentsFolder(plan.outputFolder, baseName) + QLatin1Char('/') +
-               pattern->fileName(document);
+        return pattern ? pattern->fileName(document) : outputFileName(document, plan.methodIndex);
+    }
+
+    [[nodiscard]] QString keyOf(const QString &path) const
+    {
+        return placeKey(keyOfFolder, QFileInfo(path).fileName());
     }
 
     [[nodiscard]] bool isFree(const QString &candidate, int number) const
     {
-        return !own.contains(candidate) && taken.value(candidate, input) == input &&
+        const QString key = keyOf(candidate);
+        return !own.contains(key) && taken.value(key, input) == input &&
                (plan.existing != ExistingFiles::Rename || !isInTheWay(candidate, number));
     }
 
     /// Whether there is a file, and not because the document was written before.
     [[nodiscard]] bool isInTheWay(const QString &path, int number) const
     {
-        return QFile::exists(path) && (!isWritten || isRead(path) || !isWritten(number - 1, path));
+        const QFileInfo file(path);
+        return (file.exists() || file.isSymLink()) &&
+               (!isWritten || isRead(path) || !isWritten(number - 1, path));
     }
 
     [[nodiscard]] bool isRead(const QString &path) const
@@ -86,9 +93,11 @@ private:
 
     const SplitPlan &plan;
     const QString &input;
-    const TakenPaths &taken;
+    const TakenPlaces &taken;
     const IsWritten &isWritten;
     QString baseName;
+    QString folder;
+    QString keyOfFolder;
     std::optional<NameTemplate> pattern;
     QSet<QString> own;
     QHash<QString, int> lastCopies;
@@ -96,8 +105,36 @@ private:
 
 } // namespace
 
+QString folderKey(const QString &folder)
+{
+    const auto identity = pdf::fileIdentity(QFile::encodeName(folder).toStdString());
+    return identity ? QStringLiteral("%1:%2").arg(identity->first).arg(identity->second) : folder;
+}
+
+QString nameKey(const QString &name)
+{
+    QString key = name.normalized(QString::NormalizationForm_D).toCaseFolded();
+    const auto isInvisible = [](QChar c) { return c.category() == QChar::Other_Format; };
+    key.erase(std::remove_if(key.begin(), key.end(), isInvisible), key.end());
+    return key.normalized(QString::NormalizationForm_D);
+}
+
+QString placeKey(const QString &keyOfFolder, const QString &name)
+{
+    return keyOfFolder + QLatin1Char('/') + nameKey(name);
+}
+
+void addPlaces(TakenPlaces &taken, const FileResult &result)
+{
+    if (result.documents.isEmpty())
+        return;
+    const QString key = folderKey(QFileInfo(result.documents.first().file).path());
+    for (const DocumentResult &document : result.documents)
+        taken.insert(placeKey(key, QFileInfo(document.file).fileName()), result.input);
+}
+
 QList<DocumentResult> nameDocuments(const SplitPlan &plan, const QString &input,
-                                    const SplitDecision &decision, const TakenPaths &taken,
+                                    const SplitDecision &decision, const TakenPlaces &taken,
                                     const IsWritten &isWritten)
 {
     Namer namer(plan, input, taken, isWritten);

@@ -13,7 +13,7 @@ struct FileJob
 {
     QString input; ///< absolute path
     int workers = 1;
-    TakenPaths taken;
+    TakenPlaces taken;
 };
 
 /// Splits one input: reads its pages, decides, fixes all names, writes the documents aside and

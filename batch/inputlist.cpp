@@ -58,6 +58,15 @@ bool isWritable(const QString &folder)
     return ::access(QFile::encodeName(folder).constData(), W_OK | X_OK) == 0;
 }
 
+/// Equal for inputs whose documents may get into the same folder: where case makes no difference,
+/// or through links.
+QString sharedFolder(const QString &outputFolder, const QString &baseName)
+{
+    const QString folder = documentsFolder(outputFolder, baseName);
+    const QString key = folderKey(folder);
+    return key == folder ? nameKey(folder) : key;
+}
+
 } // namespace
 
 QString decodedName(const QByteArray &bytes)
@@ -86,19 +95,23 @@ QStringList collectInputs(const BatchOptions &options)
     return inputs;
 }
 
-std::vector<InputGroup> groupInputs(const QStringList &inputs)
+std::vector<InputGroup> groupInputs(const QString &outputFolder, const QStringList &inputs)
 {
     std::vector<InputGroup> groups;
     QHash<QString, std::size_t> groupOfName;
+    QHash<QString, std::size_t> groupOfFolder;
     for (const QString &input : inputs) {
         const QString name = QFileInfo(input).baseName();
-        const auto found = groupOfName.constFind(name);
-        const std::size_t group = found != groupOfName.constEnd() ? *found : groups.size();
-        if (group == groups.size()) {
-            groupOfName.insert(name, group);
-            groups.emplace_back();
+        auto found = groupOfName.constFind(name);
+        if (found == groupOfName.constEnd()) {
+            const QString folder = sharedFolder(outputFolder, name);
+            if (!groupOfFolder.contains(folder)) {
+                groupOfFolder.insert(folder, groups.size());
+                groups.emplace_back();
+            }
+            found = groupOfName.insert(name, groupOfFolder[folder]);
         }
-        groups[group].inputs.append(input);
+        groups[*found].inputs.append(input);
     }
     return groups;
 }

@@ -21,8 +21,9 @@
 /// Throws pdf::Error(Usage) when a list cannot be read, or a name in it is not UTF-8.
 [[nodiscard]] QStringList collectInputs(const BatchOptions &options);
 
-/// The inputs by base name, groups and inputs in the order given.
-[[nodiscard]] std::vector<InputGroup> groupInputs(const QStringList &inputs);
+/// The inputs by the folders of their documents, groups and inputs in the order given.
+[[nodiscard]] std::vector<InputGroup> groupInputs(const QString &outputFolder,
+                                                  const QStringList &inputs);
 
 /// Finds what would fail for every document, or for all of a group: an output folder that does not
 /// exist, a subfolder whose name a file has, folders that cannot be written to.

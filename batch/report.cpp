@@ -106,6 +106,8 @@ void Report::read()
         // A line that a killed run left unfinished says nothing.
         const QJsonObject entry = QJsonDocument::fromJson(line).object();
         const FileResult result = fromJson(entry);
+        if (!result.documents.isEmpty())
+            addPlaces(places[folderKey(QFileInfo(result.documents.first().file).path())], result);
         if (result.input.isEmpty() || !isSameRequest(entry, wanted))
             continue;
         if (result.isDone())
@@ -117,20 +119,18 @@ void Report::read()
         write("\n");
 }
 
-std::optional<FileResult> Report::doneBefore(const QString &input) const
+bool Report::isDoneBefore(const QString &input) const
 {
     const auto found = doneInputs.constFind(input);
     if (found == doneInputs.constEnd())
-        return std::nullopt;
+        return false;
     const FileResult now = beginResult(input);
     const bool isThere = std::all_of(
         found->documents.begin(), found->documents.end(), [](const DocumentResult &document) {
             const QFileInfo written(document.file);
             return written.isFile() && written.size() == document.bytes;
         });
-    if (found->size != now.size || found->time != now.time || !isThere)
-        return std::nullopt;
-    return *found;
+    return found->size == now.size && found->time == now.time && isThere;
 }
 
 void Report::append(const FileResult &result)

@@ -4,12 +4,10 @@
 #pragma once
 
 #include "batch/batchoptions.h"
-#include "batch/fileresult.h"
+#include "batch/documentnames.h"
 
 #include <QHash>
 #include <QString>
-
-#include <optional>
 
 /// The report of runs: one JSON object a line for each input, written when its documents are
 /// published. Lines are appended whole, so several runs can share a report.
@@ -25,10 +23,14 @@ public:
     Report(const Report &) = delete;
     Report &operator=(const Report &) = delete;
 
-    /// The entry that shows the input as done, if there is one: written for the same rule,
+    /// Whether an entry shows the input as done: written for the same rule,
     /// position, method, naming and output options, when the input had the size and time that it
     /// has now, without a failure, and with all its documents still there.
-    [[nodiscard]] std::optional<FileResult> doneBefore(const QString &input) const;
+    [[nodiscard]] bool isDoneBefore(const QString &input) const;
+
+    /// The places of all documents of which the report tells, of this request or another: they are
+    /// documents of their inputs, which may not be among those of this run.
+    [[nodiscard]] const QHash<QString, TakenPlaces> &placesByFolder() const { return places; }
 
     /// Throws pdf::Error(OutputUnwritable).
     void append(const FileResult &result);
@@ -42,6 +44,7 @@ private:
     QString path;
     const SplitPlan &plan;
     QHash<QString, FileResult> doneInputs;
+    QHash<QString, TakenPlaces> places; ///< by folderKey()
     int file = -1;
 };
 

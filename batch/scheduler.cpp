@@ -199,8 +199,7 @@ private:
             ++state.filesDone;
             state.pagesDone += result.pages;
             doneBytes += result.size;
-            for (const DocumentResult &document : result.documents)
-                group.taken.insert(document.file, result.input);
+            addPlaces(group.taken, result);
             listener.fileDone(result);
         }
         if (++inputsDone[place.group] < group.inputs.size())

@@ -12,12 +12,12 @@
 #include <functional>
 #include <vector>
 
-/// Inputs with the same base name: their documents share a folder, so they are split one after
-/// another, and each knows what names the others have taken.
+/// Inputs whose documents share a folder, or may do so where case makes no difference: they are
+/// split one after another, and each knows what names the others have taken.
 struct InputGroup
 {
     QStringList inputs; ///< absolute paths
-    TakenPaths taken;
+    TakenPlaces taken;
 };
 
 /// How far the whole run is.

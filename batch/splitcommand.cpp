@@ -16,6 +16,7 @@
 #include <QDateTime>
 #include <QFileInfo>
 #include <QJsonDocument>
+#include <QSet>
 #include <QSettings>
 
 #include <csignal>
@@ -150,18 +151,20 @@ public:
             return;
         for (InputGroup &group : groups) {
             QStringList left;
+            QSet<QString> folders;
             for (const QString &input : std::as_const(group.inputs)) {
-                const std::optional<FileResult> earlier = report->doneBefore(input);
-                if (!earlier) {
+                folders.insert(
+                    folderKey(documentsFolder(plan.outputFolder, QFileInfo(input).baseName())));
+                if (!report->isDoneBefore(input)) {
                     left.append(input);
                     continue;
                 }
                 ++skipped;
                 exits.add(ExitCode::Done);
-                for (const DocumentResult &document : earlier->documents)
-                    group.taken.insert(document.file, input);
             }
             group.inputs = left;
+            for (const QString &folder : std::as_const(folders))
+                group.taken.insert(report->placesByFolder().value(folder));
         }
         groups.erase(std::remove_if(groups.begin(), groups.end(),
                                     [](const InputGroup &group) { return group.inputs.isEmpty(); }),
@@ -278,7 +281,7 @@ ExitCode splitInputs(const BatchOptions &options)
     SplitPlan plan = makePlan(options);
     const QStringList inputs = collectInputs(options);
     plan.filesRead = identities(inputs + QStringList{options.settingsFile, options.filesFrom});
-    std::vector<InputGroup> groups = groupInputs(inputs);
+    std::vector<InputGroup> groups = groupInputs(plan.outputFolder, inputs);
     checkFolders(plan.outputFolder, groups);
     Results results(options, plan);
     results.skipDone(groups);

@@ -107,6 +107,41 @@ private slots:
         QCOMPARE(QFile::exists(staging), stays);
     }
 
+    /// Documents get the same name in the same folder, and all of them are there in the end.
+    void besideEachOther_data()
+    {
+        QTest::addColumn<QList<QStringList>>("calls");
+        QTest::addColumn<QStringList>("names");
+        const QStringList resumed = {"--resume", "--report", path("report")};
+        QTest::newRow("names in other case")
+            << QList<QStringList>{{"--name", "{text}", path("case.pdf")}}
+            << QStringList{"case/Ab.pdf", "case/aB (2).pdf"};
+        QTest::newRow("subfolder with two names")
+            << QList<QStringList>{{"--name", "{n}", "--jobs", "2", path("A.pdf"), path("B.pdf")}}
+            << QStringList{"A/1 (2).pdf", "A/1.pdf"};
+        QTest::newRow("report of another night")
+            << QList<QStringList>{resumed + QStringList{path("A.pdf")},
+                                  resumed + QStringList{path("night/A.pdf")}}
+            << QStringList{"A/1 mine A 1 (2).pdf", "A/1 mine A 1.pdf"};
+        QTest::newRow("report of another rule")
+            << QList<QStringList>{resumed + QStringList{"--method", "2", path("A.pdf")},
+                                  resumed + QStringList{path("night/A.pdf")}}
+            << QStringList{"A/1 mine A 1 (2).pdf", "A/1 mine A 1.pdf"};
+    }
+    void besideEachOther()
+    {
+        QFETCH(QList<QStringList>, calls);
+        writePages(path("case.pdf"), {"Ab", "aB"});
+        for (const char *name : {"A.pdf", "B.pdf", "night/A.pdf"})
+            writePages(path(name), {"mine"});
+        QFile::remove(path("report"));
+        QDir(output->path()).mkdir("A");
+        QVERIFY(QFile::link("A", output->filePath("B")));
+        for (const QStringList &call : calls)
+            QCOMPARE(batch(arguments(call)).exitCode, 0);
+        QTEST(namesIn(output->path()), "names");
+    }
+
     /// Where there are no links a file that is being replaced has no name for a moment.
     void killedWhileReplacing_data()
     {
