@@ -41,6 +41,20 @@ bool isSameRequest(const QJsonObject &entry, const QJsonObject &wanted)
     return true;
 }
 
+/// Whether the file begins with an entry, also one that a killed run left unfinished. Other
+/// programs write JSON, too, and a line of theirs may be all of a large file.
+bool beginsAsReport(QFile &file)
+{
+    const QByteArray begin = R"({"cause":")"; // keys are sorted
+    if (file.peek(begin.size()) != begin)
+        return false;
+    const QByteArray line = file.readLine();
+    const QJsonObject entry = QJsonDocument::fromJson(line).object();
+    if (entry.isEmpty())
+        return !line.endsWith('\n');
+    return !fromJson(entry).input.isEmpty() && entry.contains("pagesWithoutText");
+}
+
 } // namespace
 
 QJsonObject reportEntry(const FileResult &result, const SplitPlan &plan)
@@ -89,8 +103,10 @@ void Report::refuseOtherFiles() const
     const std::optional<pdf::FileIdentity> identity = pdf::fileIdentity(name);
     if (identity && plan.filesRead.count(*identity) != 0)
         throw pdf::Error(pdf::ExitCode::Usage, name + ": is read, it cannot be the report");
-    char first = 0;
-    if (::pread(file, &first, 1, 0) == 1 && first != '{')
+    QFile reader(path);
+    if (!reader.open(QIODevice::ReadOnly))
+        fail();
+    if (reader.size() > 0 && !beginsAsReport(reader))
         throw pdf::Error(pdf::ExitCode::Usage, name + ": exists and is not a report");
 }
 

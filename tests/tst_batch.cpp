@@ -246,8 +246,8 @@ private slots:
         row("unwritable folder", {"--rule", "number", "--output", "/proc", "in.pdf"}, 5, "/proc");
         row("report is an input", {"--rule", "number", "--report", "in.pdf", "in.pdf"}, 2,
             "in.pdf: is read");
-        row("report is no report", {"--rule", "number", "--report", "bad.pdf", "in.pdf"}, 2,
-            "bad.pdf: exists and is not");
+        row("report is no report", {"--rule", "number", "--report", "data.json", "in.pdf"}, 2,
+            "data.json: exists and is not");
         row("document is another input",
             {"--rule", "number", "--output", ".", "in.pdf", "in/2 INV-2 in 3-5.pdf"}, 5,
             "in/2 INV-2 in 3-5.pdf: is itself");
@@ -258,6 +258,7 @@ private slots:
         QFETCH(QStringList, arguments);
         QFETCH(QByteArray, complaint);
         writeFile(path("bad.pdf"), "nothing");
+        writeFile(path("data.json"), "{\"cause\":\"mine\"}");
         QDir().mkdir("in");
         QFile::copy("in.pdf", "in/2 INV-2 in 3-5.pdf");
         writeFile(output->filePath("file"), "in the way");
