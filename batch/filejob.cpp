@@ -135,6 +135,31 @@ void setVerdict(FileResult &result, const PageTexts &texts)
     }
 }
 
+/// Whether files that have names of documents may be these documents, to the byte, which can be
+/// told only when they are written: an earlier run has not reported them, or another one goes on
+/// beside this one.
+bool mayBeThere(const SplitPlan &plan)
+{
+    return !plan.isDryRun && (plan.isResuming || plan.existing == ExistingFiles::Rename);
+}
+
+/// Returns false when names are taken.
+bool publishAs(const SplitPlan &plan, StagingFolder &staging, const Naming &name,
+               FileResult &result)
+{
+    if (mayBeThere(plan))
+        result.documents = name([&staging](int index, const QString &path) {
+            return staging.isPublished(index, path);
+        });
+    QStringList paths;
+    for (int index = 0; index < result.documents.size(); ++index) {
+        result.documents[index].bytes = QFileInfo(staging.pathOf(index)).size();
+        paths.append(result.documents[index].file);
+    }
+    holdBackSignals();
+    return staging.publish(paths, plan.existing == ExistingFiles::Overwrite);
+}
+
 /// `before` is the input's state before anything of it was read.
 void publish(const SplitPlan &plan, pdf::Document &document,
              const std::optional<InputState> &before, int workers, const Naming &name,
@@ -147,19 +172,13 @@ void publish(const SplitPlan &plan, pdf::Document &document,
         end = endOfPart(result.documents, first);
         writePart(plan, document, result.documents, first, end, staging, workers);
     }
-    if (plan.isResuming)
-        result.documents = name([&staging](int index, const QString &path) {
-            return staging.isPublished(index, path);
-        });
-    QStringList paths;
-    for (int index = 0; index < result.documents.size(); ++index) {
-        result.documents[index].bytes = QFileInfo(staging.pathOf(index)).size();
-        paths.append(result.documents[index].file);
-    }
     checkNotWritten(document, before);
-    holdBackSignals();
-    if (!staging.publish(paths, plan.existing == ExistingFiles::Overwrite))
-        throw Error(ExitCode::OutputUnwritable, "documents of their names exist already");
+    constexpr int attempts = 20;
+    for (int i = 1; !publishAs(plan, staging, name, result); ++i) {
+        // Another run took a name that was free a moment ago.
+        if (plan.existing == ExistingFiles::Fail || i == attempts)
+            throw Error(ExitCode::OutputUnwritable, "documents of their names exist already");
+    }
 }
 
 void split(const SplitPlan &plan, const FileJob &job, FileProgress &progress, FileResult &result)
@@ -183,10 +202,8 @@ void split(const SplitPlan &plan, const FileJob &job, FileProgress &progress, Fi
     const auto name = [&](const IsWritten &isWritten) {
         return nameDocuments(plan, job.input, decision, job.taken, isWritten);
     };
-    // An earlier run may have published documents without reporting them. Only when they are
-    // written again can be told which they are.
-    const bool mayBeWritten = plan.isResuming && !plan.isDryRun;
-    result.documents = name(mayBeWritten ? [](int, const QString &) { return true; } : IsWritten());
+    result.documents =
+        name(mayBeThere(plan) ? [](int, const QString &) { return true; } : IsWritten());
     if (!plan.isDryRun)
         publish(plan, document, before, workers, name, result);
 }

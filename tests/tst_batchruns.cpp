@@ -257,10 +257,18 @@ private slots:
         QCOMPARE(filesIn(output->path()).size(), exitCode == 0 ? expected.size() : 0);
     }
 
+    void overlappingRuns_data()
+    {
+        QTest::addColumn<QString>("existing");
+        for (const char *existing : {"overwrite", "rename"})
+            QTest::newRow(existing) << existing;
+    }
     void overlappingRuns()
     {
-        const auto first = startBatch(arguments(inputs));
-        const auto second = startBatch(arguments(inputs));
+        QFETCH(QString, existing);
+        const QStringList call = arguments(QStringList{"--existing", existing} + inputs);
+        const auto first = startBatch(call);
+        const auto second = startBatch(call);
         for (QProcess *run : {first.get(), second.get()}) {
             QVERIFY(run->waitForFinished(timeLimitMs));
             QVERIFY2(run->exitCode() == 0, run->readAllStandardError());
