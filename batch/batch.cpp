@@ -4,7 +4,6 @@
 #include "batch/batch.h"
 
 #include "batch/commandline.h"
-#include "batch/inputlist.h"
 #include "batch/output.h"
 #include "batch/rulecommands.h"
 #include "batch/splitcommand.h"
@@ -14,6 +13,7 @@
 
 #include <QCoreApplication>
 
+#include <algorithm>
 #include <clocale>
 #include <cstdlib>
 #include <cstring>
@@ -87,9 +87,7 @@ int runBatch(int argc, char *argv[])
     const QCoreApplication application(argc, argv);
     pdf::limitResources();
     try {
-        QStringList arguments;
-        for (int i = 1; i < argc; ++i)
-            arguments.append(decodedName(argv[i]));
+        const QByteArrayList arguments(argv + std::min(argc, 1), argv + argc);
         return static_cast<int>(run(parseCommandLine(arguments)));
     } catch (const pdf::Error &error) {
         complain(QString::fromLocal8Bit(error.what()));

@@ -42,6 +42,7 @@ struct BatchOptions
     bool usesOutputOptions = false;
 
     QStringList inputs;
+    QStringList undecodableInputs; ///< whose names are not UTF-8, as far as they can be shown
     QString filesFrom;
     int jobs = 0; ///< 0: as many as there are processors
     QString reportFile;

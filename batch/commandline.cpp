@@ -3,6 +3,7 @@
 
 #include "batch/commandline.h"
 
+#include "batch/filename.h"
 #include "pdf/error.h"
 #include "rules/settingsfile.h"
 
@@ -15,6 +16,11 @@ namespace {
 {
     throw pdf::Error(pdf::ExitCode::Usage,
                      cause.toStdString() + " (sendrivo-batch --help tells the usage)");
+}
+
+[[noreturn]] void refuseUndecodable(const QString &argument)
+{
+    refuse(QStringLiteral("\"%1\" is not valid UTF-8").arg(argument));
 }
 
 int number(const QString &text, int least, const QString &option)
@@ -197,7 +203,8 @@ void checkSplit(const BatchOptions &options)
         refuse(QStringLiteral("one of --rule and --position is needed"));
     if (options.outputFolder.isEmpty())
         refuse(QStringLiteral("--output is needed"));
-    if (options.inputs.isEmpty() && options.filesFrom.isEmpty())
+    if (options.inputs.isEmpty() && options.undecodableInputs.isEmpty() &&
+        options.filesFrom.isEmpty())
         refuse(QStringLiteral("no files are given"));
     if (options.isResuming && options.reportFile.isEmpty())
         refuse(QStringLiteral("--resume needs --report"));
@@ -207,6 +214,8 @@ void check(const BatchOptions &options)
 {
     if (options.action == Action::Split)
         checkSplit(options);
+    else if (!options.undecodableInputs.isEmpty())
+        refuseUndecodable(options.undecodableInputs.first());
     const bool readsPage = options.page > 0 && (options.action == Action::ShowFragments ||
                                                 options.action == Action::SaveRule);
     if (readsPage && options.inputs.size() != 1)
@@ -229,9 +238,16 @@ const QList<OptionDescription> &optionDescriptions()
     return all;
 }
 
-BatchOptions parseCommandLine(const QStringList &arguments)
+BatchOptions parseCommandLine(const QByteArrayList &bytes)
 {
     BatchOptions options;
+    QStringList arguments;
+    QList<bool> areText;
+    for (const QByteArray &argument : bytes) {
+        const FileName name(argument);
+        arguments.append(name.text);
+        areText.append(name.isText);
+    }
     options.settingsFile = settingsFileName();
     bool areOptionsOver = false;
     for (qsizetype i = 0; i < arguments.size();) {
@@ -241,10 +257,13 @@ BatchOptions parseCommandLine(const QStringList &arguments)
             ++i;
         } else if (areOptionsOver || argument == QLatin1String("-") ||
                    !argument.startsWith(QLatin1Char('-'))) {
-            options.inputs.append(argument);
+            (areText[i] ? options.inputs : options.undecodableInputs).append(argument);
             ++i;
         } else {
-            i = applyOption(options, arguments, i);
+            for (const qsizetype end = applyOption(options, arguments, i); i < end; ++i) {
+                if (!areText[i])
+                    refuseUndecodable(arguments[i]);
+            }
         }
     }
     check(options);

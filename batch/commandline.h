@@ -21,7 +21,7 @@ struct OptionDescription
 /// Reads the arguments (without the program's name). Values follow their option as arguments of
 /// their own, the only one also as "--rule=NAME"; "--" ends the options.
 /// Throws pdf::Error(Usage).
-[[nodiscard]] BatchOptions parseCommandLine(const QStringList &arguments);
+[[nodiscard]] BatchOptions parseCommandLine(const QByteArrayList &arguments);
 
 /// What --help prints.
 [[nodiscard]] QString helpText();

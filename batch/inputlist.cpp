@@ -3,6 +3,7 @@
 
 #include "batch/inputlist.h"
 
+#include "batch/filename.h"
 #include "pdf/error.h"
 #include "split/outputname.h"
 
@@ -12,26 +13,40 @@
 #include <QHash>
 #include <QSet>
 
+#include <algorithm>
 #include <cstdio>
 #include <unistd.h>
 
 namespace {
 
-QStringList readList(const QString &source)
+/// What a list begins with when a Windows program wrote it.
+constexpr const char *byteOrderMark = "\xef\xbb\xbf";
+
+[[noreturn]] void refuseList(const QString &source, const QString &cause)
+{
+    throw pdf::Error(pdf::ExitCode::Usage, (source + QLatin1String(": ") + cause).toStdString());
+}
+
+void readList(const QString &source, QStringList &names, QStringList &undecodable)
 {
     QFile file(source);
     const bool isOpen = source == QLatin1String("-") ? file.open(stdin, QIODevice::ReadOnly)
                                                      : file.open(QIODevice::ReadOnly);
     if (!isOpen)
-        throw pdf::Error(pdf::ExitCode::Usage,
-                         (source + QLatin1String(": ") + file.errorString()).toStdString());
-    const QByteArray bytes = file.readAll();
-    QStringList names;
-    for (const QByteArray &name : bytes.split(bytes.contains('\0') ? '\0' : '\n')) {
-        if (!name.isEmpty())
-            names.append(decodedName(name));
+        refuseList(source, file.errorString());
+    QByteArray bytes = file.readAll();
+    if (bytes.startsWith("\xff\xfe") || bytes.startsWith("\xfe\xff"))
+        refuseList(source, QStringLiteral("is UTF-16, lists are UTF-8"));
+    if (bytes.startsWith(byteOrderMark))
+        bytes.remove(0, qstrlen(byteOrderMark));
+    const bool hasLines = !bytes.contains('\0');
+    for (QByteArray &entry : bytes.split(hasLines ? '\n' : '\0')) {
+        if (hasLines && entry.endsWith('\r'))
+            entry.chop(1);
+        const FileName name(entry);
+        if (!entry.isEmpty())
+            (name.isText ? names : undecodable).append(name.text);
     }
-    return names;
 }
 
 /// The absolute path of the file that the system opens under the name. The folder is the real one,
@@ -48,14 +63,19 @@ QString inputPath(const QString &name)
     return folder.endsWith(QLatin1Char('/')) ? folder + own : folder + QLatin1Char('/') + own;
 }
 
-[[noreturn]] void refuse(const QString &path, const char *cause)
-{
-    throw pdf::Error(pdf::ExitCode::OutputUnwritable, path.toStdString() + ": " + cause);
-}
-
 bool isWritable(const QString &folder)
 {
     return ::access(QFile::encodeName(folder).constData(), W_OK | X_OK) == 0;
+}
+
+/// Why documents cannot get into the folder, which need not exist; empty when they can.
+QString troubleWith(const QFileInfo &folder)
+{
+    if (folder.exists() && !folder.isDir())
+        return QStringLiteral("is a file where a folder is needed");
+    if (folder.exists() && !isWritable(folder.filePath()))
+        return QStringLiteral("cannot be written to");
+    return folder.exists() || !folder.isSymLink() ? QString() : QStringLiteral("leads nowhere");
 }
 
 /// Equal for inputs whose documents may get into the same folder: where case makes no difference,
@@ -69,30 +89,29 @@ QString sharedFolder(const QString &outputFolder, const QString &baseName)
 
 } // namespace
 
-QString decodedName(const QByteArray &bytes)
-{
-    QString name = QFile::decodeName(bytes);
-    if (QFile::encodeName(name) != bytes)
-        throw pdf::Error(pdf::ExitCode::Usage, bytes.toStdString() + ": is not valid UTF-8");
-    return name;
-}
-
-QStringList collectInputs(const BatchOptions &options)
+InputFiles collectInputs(const BatchOptions &options)
 {
     QStringList names;
-    for (const QString &input : options.inputs)
-        names += input == QLatin1String("-") ? readList(input) : QStringList(input);
+    InputFiles result;
+    result.undecodable = options.undecodableInputs;
+    for (const QString &input : options.inputs) {
+        if (input == QLatin1String("-"))
+            readList(input, names, result.undecodable);
+        else
+            names.append(input);
+    }
     if (!options.filesFrom.isEmpty())
-        names += readList(options.filesFrom);
-    QStringList inputs;
+        readList(options.filesFrom, names, result.undecodable);
+    if (names.isEmpty() && result.undecodable.isEmpty())
+        throw pdf::Error(pdf::ExitCode::Usage, "no files are given: the list is empty");
     QSet<QString> seen;
     for (const QString &name : std::as_const(names)) {
         const QString path = inputPath(name);
         if (!seen.contains(path))
-            inputs.append(path);
+            result.paths.append(path);
         seen.insert(path);
     }
-    return inputs;
+    return result;
 }
 
 std::vector<InputGroup> groupInputs(const QString &outputFolder, const QStringList &inputs)
@@ -116,19 +135,36 @@ std::vector<InputGroup> groupInputs(const QString &outputFolder, const QStringLi
     return groups;
 }
 
-void checkFolders(const QString &outputFolder, const std::vector<InputGroup> &groups)
+void checkOutputFolder(const QString &outputFolder)
 {
-    if (!QFileInfo(outputFolder).isDir())
-        refuse(outputFolder, "is not an existing folder");
-    if (!isWritable(outputFolder))
-        refuse(outputFolder, "cannot be written to");
-    for (const InputGroup &group : groups) {
-        const QString folder =
-            documentsFolder(outputFolder, QFileInfo(group.inputs.first()).baseName());
-        const QFileInfo existing(folder);
-        if (existing.exists() && !existing.isDir())
-            refuse(folder, "is a file where a folder is needed");
-        if (existing.exists() && !isWritable(folder))
-            refuse(folder, "cannot be written to");
-    }
+    const QFileInfo folder(outputFolder);
+    const QString trouble =
+        folder.isDir() ? troubleWith(folder) : QStringLiteral("is not an existing folder");
+    if (!trouble.isEmpty())
+        throw pdf::Error(pdf::ExitCode::OutputUnwritable,
+                         (outputFolder + QLatin1String(": ") + trouble).toStdString());
+}
+
+QList<FileResult> takeOutUnwritable(const QString &outputFolder, std::vector<InputGroup> &groups)
+{
+    QList<FileResult> failures;
+    takeOut(groups, [&](const QString &input) {
+        const QString folder = documentsFolder(outputFolder, QFileInfo(input).baseName());
+        const QString trouble = troubleWith(QFileInfo(folder));
+        if (!trouble.isEmpty())
+            failures.append(failedResult(input, pdf::ExitCode::OutputUnwritable,
+                                         folder + QLatin1String(": ") + trouble));
+        return !trouble.isEmpty();
+    });
+    return failures;
+}
+
+void takeOut(std::vector<InputGroup> &groups,
+             const std::function<bool(const QString &input)> &isTaken)
+{
+    for (InputGroup &group : groups)
+        group.inputs.removeIf(isTaken);
+    groups.erase(std::remove_if(groups.begin(), groups.end(),
+                                [](const InputGroup &group) { return group.inputs.isEmpty(); }),
+                 groups.end());
 }

@@ -6,26 +6,36 @@
 #include "batch/batchoptions.h"
 #include "batch/scheduler.h"
 
-#include <QByteArray>
 #include <QStringList>
 
+#include <functional>
 #include <vector>
 
-/// The name as text. Throws pdf::Error(Usage) when it is not valid UTF-8: what would be left of it
-/// could be the name of another file.
-[[nodiscard]] QString decodedName(const QByteArray &bytes);
+/// The inputs of a call.
+struct InputFiles
+{
+    QStringList paths;       ///< absolute
+    QStringList undecodable; ///< names that are not UTF-8, as far as they can be shown
+};
 
-/// The inputs of a call as absolute paths: those given, and those in the lists, from a file or,
-/// for "-", from standard input. A list that holds a NUL is separated by NULs, else by line feeds;
-/// empty entries do not count. What is listed twice, also by way of linked folders, is taken once.
-/// Throws pdf::Error(Usage) when a list cannot be read, or a name in it is not UTF-8.
-[[nodiscard]] QStringList collectInputs(const BatchOptions &options);
+/// The inputs of a call: those given, and those in the lists, from a file or, for "-", from
+/// standard input. A list that holds a NUL is separated by NULs, else by line ends of either kind;
+/// empty entries and a byte order mark do not count. What is listed twice, also by way of linked
+/// folders, is taken once. Throws pdf::Error(Usage) when a list cannot be read or is UTF-16, and
+/// when there are no inputs.
+[[nodiscard]] InputFiles collectInputs(const BatchOptions &options);
 
 /// The inputs by the folders of their documents, groups and inputs in the order given.
 [[nodiscard]] std::vector<InputGroup> groupInputs(const QString &outputFolder,
                                                   const QStringList &inputs);
 
-/// Finds what would fail for every document, or for all of a group: an output folder that does not
-/// exist, a subfolder whose name a file has, folders that cannot be written to.
-/// Throws pdf::Error(OutputUnwritable).
-void checkFolders(const QString &outputFolder, const std::vector<InputGroup> &groups);
+/// Throws pdf::Error(OutputUnwritable) for an output folder that does not exist or cannot be
+/// written to.
+void checkOutputFolder(const QString &outputFolder);
+/// Takes inputs out of the groups whose documents would all fail, because their subfolder cannot be
+/// made or written to; gives their results.
+[[nodiscard]] QList<FileResult> takeOutUnwritable(const QString &outputFolder,
+                                                  std::vector<InputGroup> &groups);
+/// Takes inputs out of the groups, and groups without inputs out of the list.
+void takeOut(std::vector<InputGroup> &groups,
+             const std::function<bool(const QString &input)> &isTaken);

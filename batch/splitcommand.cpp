@@ -144,31 +144,28 @@ public:
             report.emplace(options.reportFile, plan, options.isResuming);
     }
 
-    /// Takes the inputs that are done already out of the groups.
+    /// Takes the inputs that are done already out of the groups, and lets the others know the names
+    /// that the report tells of.
     void skipDone(std::vector<InputGroup> &groups)
     {
         if (!report || !options.isResuming)
             return;
         for (InputGroup &group : groups) {
-            QStringList left;
             QSet<QString> folders;
-            for (const QString &input : std::as_const(group.inputs)) {
+            for (const QString &input : std::as_const(group.inputs))
                 folders.insert(
                     folderKey(documentsFolder(plan.outputFolder, QFileInfo(input).baseName())));
-                if (!report->isDoneBefore(input)) {
-                    left.append(input);
-                    continue;
-                }
-                ++skipped;
-                exits.add(ExitCode::Done);
-            }
-            group.inputs = left;
             for (const QString &folder : std::as_const(folders))
                 group.taken.insert(report->placesByFolder().value(folder));
         }
-        groups.erase(std::remove_if(groups.begin(), groups.end(),
-                                    [](const InputGroup &group) { return group.inputs.isEmpty(); }),
-                     groups.end());
+        takeOut(groups, [this](const QString &input) {
+            const bool isDone = report->isDoneBefore(input);
+            if (isDone) {
+                ++skipped;
+                exits.add(ExitCode::Done);
+            }
+            return isDone;
+        });
     }
 
     void add(const FileResult &result)
@@ -279,13 +276,18 @@ ExitCode ExitSummary::exitCode() const
 ExitCode splitInputs(const BatchOptions &options)
 {
     SplitPlan plan = makePlan(options);
-    const QStringList inputs = collectInputs(options);
-    plan.filesRead = identities(inputs + QStringList{options.settingsFile, options.filesFrom});
-    std::vector<InputGroup> groups = groupInputs(plan.outputFolder, inputs);
-    checkFolders(plan.outputFolder, groups);
+    const InputFiles inputs = collectInputs(options);
+    plan.filesRead =
+        identities(inputs.paths + QStringList{options.settingsFile, options.filesFrom});
+    std::vector<InputGroup> groups = groupInputs(plan.outputFolder, inputs.paths);
+    checkOutputFolder(plan.outputFolder);
     Results results(options, plan);
     results.skipDone(groups);
-    int files = 0;
+    QList<FileResult> failures = takeOutUnwritable(plan.outputFolder, groups);
+    for (const QString &name : inputs.undecodable)
+        failures.append(failedResult(name, ExitCode::InputUnreadable,
+                                     QStringLiteral("the name is not valid UTF-8")));
+    int files = static_cast<int>(failures.size());
     for (const InputGroup &group : groups)
         files += static_cast<int>(group.inputs.size());
     RunListener listener;
@@ -295,6 +297,8 @@ ExitCode splitInputs(const BatchOptions &options)
     // Who reads the results may go away, as "head" does; that is an error of the output then.
     std::signal(SIGPIPE, SIG_IGN);
     try {
+        for (const FileResult &failure : std::as_const(failures))
+            results.add(failure);
         if (const int number = runGroups(plan, groups, jobs, listener)) {
             results.stopped(files);
             std::fflush(nullptr);

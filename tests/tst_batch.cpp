@@ -412,6 +412,13 @@ private slots:
         QVERIFY(QFile::exists(second));
         QCOMPARE(jsonLines(readFile(report)).size(), 3 + 1 + 2);
 
+        // Nothing to do is no reason to forget what was done.
+        const QByteArray after = readFile(report);
+        writeFile(path("list"), "\n");
+        QCOMPARE(batch(splitArguments({"--report", report, "--files-from", path("list")})).exitCode,
+                 2);
+        QCOMPARE(readFile(report), after);
+
         // Another spelling of the folder changes nothing, other output options do.
         const auto entriesAfter = [&](const QStringList &further) {
             const QStringList call = {

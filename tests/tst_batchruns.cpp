@@ -118,37 +118,50 @@ private slots:
 
     void init() { output = std::make_unique<QTemporaryDir>(); }
 
-    /// All ways to name the files.
+    /// All ways to name the files. One that cannot be told by its name, or whose documents have no
+    /// place, fails alone.
     void lists_data()
     {
-        QTest::addColumn<QStringList>("options");
-        QTest::addColumn<char>("separator");
-        for (const char separator : {'\0', '\n'}) {
-            const char *name = separator == '\0' ? "NUL" : "lines";
-            QTest::addRow("%s, -", name) << QStringList{"-"} << separator;
-            QTest::addRow("%s, --files-from -", name) << QStringList{"--files-from=-"} << separator;
-            QTest::addRow("%s, file", name) << QStringList{"--files-from", "list"} << separator;
-        }
+        QTest::addColumn<QString>("options");
+        QTest::addColumn<QByteArray>("begin");
+        QTest::addColumn<QByteArray>("separator");
+        const QByteArray mark = "\xef\xbb\xbf";
+        QTest::newRow("NUL, -") << "-" << QByteArray() << QByteArray(1, '\0');
+        QTest::newRow("lines, --files-from -")
+            << "--files-from=-" << QByteArray() << QByteArray("\n");
+        QTest::newRow("lines of Windows, file")
+            << "--files-from=list" << mark << QByteArray("\r\n");
     }
     void lists()
     {
-        QFETCH(QStringList, options);
-        QFETCH(char, separator);
+        QFETCH(QString, options);
+        QFETCH(QByteArray, begin);
+        QFETCH(QByteArray, separator);
         QDir().mkpath("folder/below");
         QFile::link(path("folder"), "folder/below/link");
+        writeFile(output->filePath("many 2"), "a file in the way");
         // The last two are the same file.
-        const QStringList names = {inputs[0], "many 1.pdf", "folder/below/link/../many 1.pdf"};
-        const QByteArray list = names.join(QChar(separator)).toUtf8();
+        const QByteArrayList names = {inputs[0].toUtf8(), "many 2.pdf", "b\xff.pdf", "many 1.pdf",
+                                      "folder/below/link/../many 1.pdf"};
+        const QByteArray list = begin + names.join(separator) + separator;
         writeFile(path("list"), list);
-        const auto process = startBatch(arguments({"--dry-run", "--json"}) + options);
-        process->write(list);
-        process->closeWriteChannel();
-        QVERIFY(process->waitForFinished(timeLimitMs));
-        QStringList found;
-        for (const QJsonObject &line : jsonLines(process->readAllStandardOutput()))
-            found.append(line["input"].toString());
-        found.sort();
-        QCOMPARE(found, inputs.mid(0, 2));
+        QProcess shell;
+        shell.start("bash",
+                    QStringList{"-c", R"(exec "$0" "$@" $'c\xff.pdf')",
+                                QCoreApplication::applicationDirPath() + "/sendrivo-batch"} +
+                        arguments({"--dry-run", "--json", options}));
+        shell.write(list);
+        shell.closeWriteChannel();
+        QVERIFY(shell.waitForFinished(timeLimitMs));
+        QCOMPARE(shell.exitCode(), 5);
+        QMap<QString, int> found;
+        for (const QJsonObject &line : jsonLines(shell.readAllStandardOutput()))
+            found.insert(line["input"].toString(), line["exitCode"].toInt());
+        QCOMPARE(found, (QMap<QString, int>{{inputs[0], 0},
+                                            {inputs[1], 0},
+                                            {inputs[2], 5},
+                                            {QString::fromUtf8("b\ufffd.pdf"), 3},
+                                            {QString::fromUtf8("c\ufffd.pdf"), 3}}));
     }
 
     /// Progress is for people: on a terminal only, and gone when the run is over.
