@@ -23,7 +23,8 @@ public:
           const IsWritten &isDocumentWritten)
         : plan(splitPlan), input(inputFile), taken(takenPlaces), isWritten(isDocumentWritten),
           baseName(QFileInfo(inputFile).baseName()),
-          folder(documentsFolder(plan.outputFolder, baseName)), keyOfFolder(folderKey(folder))
+          folder(documentsFolder(plan.outputFolder, baseName)), keyOfFolder(folderKey(folder)),
+          maxNameBytes(longestFileName(folder))
     {
         if (!plan.nameTemplate.isEmpty())
             pattern.emplace(plan.nameTemplate);
@@ -48,7 +49,8 @@ public:
 private:
     [[nodiscard]] QString fileName(const OutputDocument &document) const
     {
-        return pattern ? pattern->fileName(document) : outputFileName(document, plan.methodIndex);
+        return pattern ? pattern->fileName(document, maxNameBytes)
+                       : outputFileName(document, plan.methodIndex, maxNameBytes);
     }
 
     [[nodiscard]] QString keyOf(const QString &path) const
@@ -83,7 +85,7 @@ private:
         const auto refuse = [&bytes](const char *cause) {
             throw pdf::Error(pdf::ExitCode::OutputUnwritable, bytes + ": " + cause);
         };
-        if (bytes.size() - bytes.rfind('/') - 1 > maxFileNameBytes)
+        if (bytes.size() - bytes.rfind('/') - 1 > static_cast<std::size_t>(maxNameBytes))
             refuse("is too long a name");
         if (plan.existing == ExistingFiles::Fail && isInTheWay(path, number))
             refuse("exists already");
@@ -98,6 +100,7 @@ private:
     QString baseName;
     QString folder;
     QString keyOfFolder;
+    int maxNameBytes;
     std::optional<NameTemplate> pattern;
     QSet<QString> own;
     QHash<QString, int> lastCopies;

@@ -97,7 +97,7 @@ QString NameTemplate::value(const Piece &piece, const OutputDocument &document)
     return padded(pageTotal(spans), piece.width);
 }
 
-QString NameTemplate::fileName(const OutputDocument &document) const
+QString NameTemplate::fileName(const OutputDocument &document, int maxBytes) const
 {
     QString suffix = QStringLiteral(".pdf");
     if (document.copy > 1)
@@ -110,7 +110,7 @@ QString NameTemplate::fileName(const OutputDocument &document) const
         else
             used += fileNameText(value(piece, document), unlimited).toUtf8().size();
     }
-    const qsizetype room = texts > 0 ? (maxFileNameBytes - used) / texts : 0;
+    const qsizetype room = texts > 0 ? (maxBytes - used) / texts : 0;
     QString name;
     for (const Piece &piece : pieces)
         name += piece.field == QLatin1String("text")

@@ -6,7 +6,12 @@
 #include "split/plaintext.h"
 #include "split/splitdecision.h"
 
+#include <QFile>
+#include <QFileInfo>
 #include <QTextBoundaryFinder>
+
+#include <algorithm>
+#include <unistd.h>
 
 namespace {
 
@@ -39,7 +44,16 @@ QString fileNameText(const QString &text, qsizetype maxBytes)
     return cutToBytes(allowed, maxBytes);
 }
 
-QString outputFileName(const OutputDocument &document, int methodIndex)
+int longestFileName(const QString &folder)
+{
+    constexpr long longestOnLinux = 255;
+    long longest = ::pathconf(QFile::encodeName(folder).constData(), _PC_NAME_MAX);
+    if (longest <= 0)
+        longest = ::pathconf(QFile::encodeName(QFileInfo(folder).path()).constData(), _PC_NAME_MAX);
+    return static_cast<int>(longest > 0 ? std::min(longest, longestOnLinux) : longestOnLinux);
+}
+
+QString outputFileName(const OutputDocument &document, int methodIndex, int maxBytes)
 {
     const QString before = QString::number(document.number) + QLatin1Char(' ');
     QString after;
@@ -48,7 +62,7 @@ QString outputFileName(const OutputDocument &document, int methodIndex)
     if (document.copy > 1)
         after += QStringLiteral(" (%1)").arg(document.copy);
     after += suffix;
-    const qsizetype room = maxFileNameBytes - before.size() - 1 - after.size();
+    const qsizetype room = maxBytes - before.size() - 1 - after.size();
     const QString base = cutToBytes(document.baseName, room);
     return before + fileNameText(document.text, room - base.toUtf8().size()) + QLatin1Char(' ') +
            base + after;
@@ -61,8 +75,9 @@ QString documentsFolder(const QString &outputFolder, const QString &baseName)
 
 QString outputPath(const QString &outputFolder, const OutputDocument &document, int methodIndex)
 {
-    return documentsFolder(outputFolder, document.baseName) + QLatin1Char('/') +
-           outputFileName(document, methodIndex);
+    const QString folder = documentsFolder(outputFolder, document.baseName);
+    return folder + QLatin1Char('/') +
+           outputFileName(document, methodIndex, longestFileName(folder));
 }
 
 QString firstFreePath(const std::function<QString(int copy)> &pathOfCopy,

@@ -17,20 +17,22 @@ struct OutputDocument
     int copy = 1;     ///< from 2 on it is added to the name, " (2)", see firstFreePath()
 };
 
-/// The longest file name that Linux file systems take, in bytes of UTF-8.
-constexpr int maxFileNameBytes = 255;
+/// The longest file name, in bytes of UTF-8, that the file system takes in the folder, which need
+/// not exist if its parent does: 255, or less where names are encrypted.
+[[nodiscard]] int longestFileName(const QString &folder);
 
 /// "NUMBER TEXT BASENAME RANGES.pdf"; with `methodIndex` GroupEqualTexts the ranges, which may be
 /// many, are left out. In the text "/" becomes "-" and control characters become blanks, and the
-/// text is cut after a whole character so that the name fits maxFileNameBytes. Where that is not
+/// text is cut after a whole character so that the name fits `maxBytes`. Where that is not
 /// enough the base name is cut, too. The other parts are never cut: number and range keep the names
 /// of one file's documents apart.
-[[nodiscard]] QString outputFileName(const OutputDocument &document, int methodIndex);
+[[nodiscard]] QString outputFileName(const OutputDocument &document, int methodIndex, int maxBytes);
 
 /// Where the documents of an input with this base name are.
 [[nodiscard]] QString documentsFolder(const QString &outputFolder, const QString &baseName);
 
-/// The path of an output document: `outputFolder`, the subfolder of the input file, the name.
+/// The path of an output document: `outputFolder`, the subfolder of the input file, the name as the
+/// file system there takes it.
 [[nodiscard]] QString outputPath(const QString &outputFolder, const OutputDocument &document,
                                  int methodIndex);
 

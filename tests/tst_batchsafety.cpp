@@ -142,6 +142,20 @@ private slots:
         QTEST(namesIn(output->path()), "names");
     }
 
+    /// File systems that encrypt names take shorter ones.
+    void shortNames()
+    {
+        writePages(path("in.pdf"), {QByteArray(200, 'x')});
+        const auto restore = qScopeGuard([] { qunsetenv("LD_PRELOAD"); });
+        qputenv("LD_PRELOAD", SENDRIVO_POOR_FILE_SYSTEM);
+        qputenv("POOR_NAME_MAX", "40");
+        for (const QStringList &options : {QStringList(), QStringList{"--name", "{text}"}}) {
+            QCOMPARE(batch(arguments(options + QStringList{path("in.pdf")})).exitCode, 0);
+            QCOMPARE(namesIn(output->path() + "/in").last().size(), 40);
+        }
+        qunsetenv("POOR_NAME_MAX");
+    }
+
     /// Where there are no links a file that is being replaced has no name for a moment.
     void killedWhileReplacing_data()
     {
