@@ -8,6 +8,7 @@
 #include "app/privatetemporaryfolder.h"
 #include "app/quitonsignal.h"
 #include "mainwindow/process.h"
+#include "system/standardstreams.h"
 
 #include <QApplication>
 #include <QDebug>
@@ -32,6 +33,7 @@ void startLog()
 
 int main(int argc, char *argv[])
 {
+    openMissingStreams();
     // Named before there is an application object: the log's folder depends on the name, and the
     // first messages come while the application object is being made.
     QCoreApplication::setApplicationName(QStringLiteral("sendrivo"));

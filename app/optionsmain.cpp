@@ -4,6 +4,7 @@
 #include "app/displaycheck.h"
 #include "app/plugins.h"
 #include "options/opdialog.h"
+#include "system/standardstreams.h"
 
 #include <QApplication>
 
@@ -21,6 +22,7 @@ void ignoreMessage(QtMsgType, const QMessageLogContext &, const QString &)
 /// options are applied by sendrivo-batch.
 int main(int argc, char *argv[])
 {
+    openMissingStreams();
     QCoreApplication::setApplicationName(QStringLiteral("sendrivo-options"));
     // Qt says in five lines of its own what the display check says in one.
     const QtMessageHandler usualHandler = qInstallMessageHandler(ignoreMessage);

@@ -10,6 +10,7 @@
 #include "pdf/error.h"
 #include "pdf/isolation/limits.h"
 #include "pdf/isolation/supervision.h"
+#include "system/standardstreams.h"
 
 #include <QCoreApplication>
 
@@ -82,6 +83,7 @@ pdf::ExitCode run(const BatchOptions &options)
 
 int runBatch(int argc, char *argv[])
 {
+    openMissingStreams();
     useUtf8();
     keepFreedMemory();
     const QCoreApplication application(argc, argv);

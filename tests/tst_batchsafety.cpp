@@ -113,9 +113,9 @@ private slots:
         QTest::addColumn<QList<QStringList>>("calls");
         QTest::addColumn<QStringList>("names");
         const QStringList resumed = {"--resume", "--report", path("report")};
-        QTest::newRow("names in other case")
+        QTest::newRow("names in other case, one would be hidden")
             << QList<QStringList>{{"--name", "{text}", path("case.pdf")}}
-            << QStringList{"case/Ab.pdf", "case/aB (2).pdf"};
+            << QStringList{"case/Ab.pdf", "case/_a.pdf", "case/aB (2).pdf"};
         QTest::newRow("subfolder with two names")
             << QList<QStringList>{{"--name", "{n}", "--jobs", "2", path("A.pdf"), path("B.pdf")}}
             << QStringList{"A/1 (2).pdf", "A/1.pdf"};
@@ -131,7 +131,7 @@ private slots:
     void besideEachOther()
     {
         QFETCH(QList<QStringList>, calls);
-        writePages(path("case.pdf"), {"Ab", "aB"});
+        writePages(path("case.pdf"), {"Ab", "aB", ".a"});
         for (const char *name : {"A.pdf", "B.pdf", "night/A.pdf"})
             writePages(path(name), {"mine"});
         QFile::remove(path("report"));
@@ -154,6 +154,26 @@ private slots:
             QCOMPARE(namesIn(output->path() + "/in").last().size(), 40);
         }
         qunsetenv("POOR_NAME_MAX");
+    }
+
+    /// What a program prints does not get into the files that it writes.
+    void closedStreams_data()
+    {
+        QTest::addColumn<QString>("program");
+        for (const char *program : {"sendrivo-batch", "quillrend", "stavekit"})
+            QTest::newRow(program) << program;
+    }
+    void closedStreams()
+    {
+        QFETCH(QString, program);
+        const bool isBatch = program == "sendrivo-batch";
+        const QStringList call =
+            QStringList{"-c", R"(exec "$0" "$@" <&- >&- 2>&-)",
+                        QCoreApplication::applicationDirPath() + '/' + program} +
+            (isBatch ? arguments({"--report", "report", path("in.pdf")}) : QStringList("-version"));
+        QFile::remove("report");
+        QCOMPARE(QProcess::execute("bash", call), 0);
+        QCOMPARE(readFile("report").count('\n'), isBatch ? 1 : 0);
     }
 
     /// Where there are no links a file that is being replaced has no name for a moment.

@@ -6,6 +6,7 @@
 #include "pdf/document/mappedfile.h"
 #include "pdf/isolation/limits.h"
 #include "pdf/isolation/supervision.h"
+#include "system/standardstreams.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -56,6 +57,7 @@ pdf::ExitCode runTool(const Tool &tool, const std::vector<std::string> &argument
 
 int toolMain(const Tool &tool, int argc, char *argv[])
 {
+    openMissingStreams();
     const std::vector<std::string> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
     if (arguments.size() == 1 && (arguments[0] == "-help" || arguments[0] == "--help"))
         return print(tool.usage + exitCodeUsage());
