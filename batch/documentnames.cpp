@@ -5,6 +5,7 @@
 
 #include "batch/nametemplate.h"
 #include "pdf/error.h"
+#include "pdf/layout/layoutfile.h"
 #include "split/outputname.h"
 
 #include <QFile>
@@ -32,7 +33,11 @@ public:
 
     QString path(int number, const QString &text, const QString &range)
     {
-        OutputDocument document = {number, text, baseName, range, 1};
+        // The window names documents after the text as it stands in a layout file, with "<" as
+        // "&lt;", and so do we where the user has not said otherwise.
+        const QString shown =
+            pattern ? text : QString::fromStdString(pdf::markupText(text.toStdString()));
+        OutputDocument document = {number, shown, baseName, range, 1};
         // A pattern may give thousands of documents the same name: go on where the last one ended.
         int &lastCopy = lastCopies[nameKey(fileName(document))];
         const auto pathOfCopy = [&](int) {

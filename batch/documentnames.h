@@ -29,11 +29,11 @@ void addPlaces(TakenPlaces &taken, const FileResult &result);
 /// run.
 using IsWritten = std::function<bool(int index, const QString &path)>;
 
-/// The documents of an input with their paths, all fixed before the first is published: unlike each
-/// other and what others have `taken`, and as `plan.existing` wants it, unlike files that exist;
-/// those that `isWritten`, if it is given, knows do not count. Throws pdf::Error(OutputUnwritable):
-/// for a name longer than file systems take, for an existing file that must not be replaced, and
-/// for a path that is itself a file this run reads.
+/// The documents of an input with their texts, as a viewer shows them, and their paths, all fixed
+/// before the first is published: unlike each other and what others have `taken`, and as
+/// `plan.existing` wants it, unlike files that exist; those that `isWritten`, if it is given, knows
+/// do not count. Throws pdf::Error(OutputUnwritable): for a name longer than file systems take, for
+/// an existing file that must not be replaced, and for a path that is itself a file this run reads.
 [[nodiscard]] QList<DocumentResult> nameDocuments(const SplitPlan &plan, const QString &input,
                                                   const SplitDecision &decision,
                                                   const TakenPlaces &taken,

@@ -116,5 +116,8 @@ QString NameTemplate::fileName(const OutputDocument &document, int maxBytes) con
         name += piece.field == QLatin1String("text")
                     ? fileNameText(document.text, room)
                     : fileNameText(value(piece, document), unlimited);
+    // What a page says must not hide a document.
+    if (name.startsWith(QLatin1Char('.')) && !pieces.first().field.isEmpty())
+        name[0] = QLatin1Char('_');
     return name + suffix;
 }

@@ -21,7 +21,8 @@ public:
     explicit NameTemplate(const QString &wanted);
 
     /// The name of the document. Of its parts the text alone is cut so that the name fits
-    /// `maxBytes`; what the others bring is cleaned, but never cut.
+    /// `maxBytes`, and a "." with which a field begins the name becomes "_"; what the others bring
+    /// is cleaned, but never cut.
     [[nodiscard]] QString fileName(const OutputDocument &document, int maxBytes) const;
 
 private:

@@ -23,11 +23,10 @@ namespace {
     throw pdf::Error(pdf::ExitCode::Usage, cause.toStdString());
 }
 
-/// A fragment as the window has it.
 Subtext toSubtext(const pdf::Fragment &fragment)
 {
     return {fragment.left, fragment.top, fragment.width, fragment.height,
-            QString::fromStdString(pdf::markupText(fragment.text))};
+            QString::fromStdString(fragment.text)};
 }
 
 QList<Subtext> pageFragments(const BatchOptions &options)
@@ -120,6 +119,8 @@ void saveNewRule(const BatchOptions &options)
                        .arg(rule.left)
                        .arg(rule.top));
         rule = *found;
+        // The window stores it as it stands in a layout file.
+        rule.text = QString::fromStdString(pdf::markupText(rule.text.toStdString()));
     }
     saveRule(settings, options.newRuleName, rule);
     settings.sync();

@@ -3,7 +3,6 @@
 
 #include "batch/textquery.h"
 
-#include "pdf/layout/layoutfile.h"
 #include "split/layoutscan.h"
 
 #include <algorithm>
@@ -23,7 +22,7 @@ QString countingText(const pdf::Fragment &fragment, const QRegularExpression &ma
         if (match.captureCount() > 0)
             text = found.captured(1);
     }
-    return QString::fromStdString(pdf::markupText(text.toStdString()));
+    return text;
 }
 
 } // namespace

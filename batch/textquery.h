@@ -20,9 +20,9 @@ struct TextQuery
     QRegularExpression match;
 };
 
-/// The text that decides for a page with these fragments, or noText(). It is written as in a layout
-/// file, so that names are the window's to the byte. Among several fragments within the tolerance
-/// the one nearest to the position wins, then the one that comes first. When the expression has a
-/// group, the text of its first group is taken, and an empty one does not count.
+/// The text that decides for a page with these fragments, or noText(). Among several fragments
+/// within the tolerance the one nearest to the position wins, then the one that comes first. When
+/// the expression has a group, the text of its first group is taken, and an empty one does not
+/// count.
 [[nodiscard]] QString queriedText(const std::vector<pdf::Fragment> &fragments,
                                   const TextQuery &query);

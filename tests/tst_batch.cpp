@@ -60,9 +60,9 @@ private slots:
             const QString text = fragment["text"].toString();
             const QString place =
                 QString("%1,%2").arg(fragment["left"].toInt()).arg(fragment["top"].toInt());
-            const QString rule = text == "20/1/7"              ? "number"
-                                 : text == "Alder & &lt;b&gt;" ? "customer"
-                                                               : QString();
+            const QString rule = text == "20/1/7"        ? "number"
+                                 : text == "Alder & <b>" ? "customer"
+                                                         : QString();
             if (rule.isEmpty())
                 continue;
             const ToolResult saved =
@@ -72,9 +72,12 @@ private slots:
         QCOMPARE(batch({"--list-rules"}).output, QByteArray("customer\nnumber\n"));
         const QSettings settings(settingsFileName(), QSettings::IniFormat);
         const Subtext rule = readRule(settings, "number");
+        QCOMPARE(readRule(settings, "customer").text, QString("Alder & &lt;b&gt;"));
         QVERIFY(rule.width > 10 && rule.height > 5);
         QCOMPARE(rule.text, QString("20/1/7"));
         QCOMPARE(currentRuleName(settings), QString("number"));
+        QVERIFY(batch({"--rule", "customer", "--output", ".", "--dry-run", path("in.pdf")})
+                    .output.startsWith("1-2\tAlder & <b>\t"));
         for (const char *name : {"number", "zeph", "2024/May"})
             QCOMPARE(batch({"--save-rule", name, "5,5"}).exitCode, 2);
         QCOMPARE(batch({"--save-rule", "new", "5,5", "--fragments", "1", path("in.pdf")}).exitCode,
@@ -144,6 +147,8 @@ private slots:
             {"in/1   in 1-2.pdf", "in/2 2 in 3-5.pdf", "in/3 3 in 6.pdf"});
         row("matching marks", {"--rule", "customer", "--match", "& (<.>)"},
             {"in/1 &lt;b&gt; in 1-6.pdf"});
+        row("marks in names of one's own",
+            {"--rule", "customer", "--match", "& (<.>)", "--name", "{text}"}, {"in/<b>.pdf"});
         row("nothing matches", {"--match", "^X"}, {"in/1   in 1-6.pdf"});
     }
     void namesAndTexts()
