@@ -10,7 +10,6 @@
 
 #include <QDir>
 #include <QGuiApplication>
-#include <QScopeGuard>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -35,6 +34,25 @@ void writePages(const QString &name, const QList<QByteArray> &texts)
         pages.append(showText(30, 100, text));
     writeFile(name, simplePdf(pages));
 }
+
+/// While it lives, programs that are started see a poorer file system: poorfilesystem.cpp.
+struct PoorFileSystem
+{
+    PoorFileSystem(const char *name, const QByteArray &value) : variable(name)
+    {
+        qputenv("LD_PRELOAD", SENDRIVO_POOR_FILE_SYSTEM);
+        qputenv("ASAN_OPTIONS", "verify_asan_link_order=0"); // the sanitizer wants to be the first
+        qputenv(variable, value);
+    }
+    ~PoorFileSystem()
+    {
+        for (const char *name : {"LD_PRELOAD", "ASAN_OPTIONS", variable})
+            qunsetenv(name);
+    }
+    Q_DISABLE_COPY(PoorFileSystem)
+
+    const char *variable;
+};
 
 } // namespace
 
@@ -146,14 +164,11 @@ private slots:
     void shortNames()
     {
         writePages(path("in.pdf"), {QByteArray(200, 'x')});
-        const auto restore = qScopeGuard([] { qunsetenv("LD_PRELOAD"); });
-        qputenv("LD_PRELOAD", SENDRIVO_POOR_FILE_SYSTEM);
-        qputenv("POOR_NAME_MAX", "40");
+        const PoorFileSystem poor("POOR_NAME_MAX", "40");
         for (const QStringList &options : {QStringList(), QStringList{"--name", "{text}"}}) {
             QCOMPARE(batch(arguments(options + QStringList{path("in.pdf")})).exitCode, 0);
             QCOMPARE(namesIn(output->path() + "/in").last().size(), 40);
         }
-        qunsetenv("POOR_NAME_MAX");
     }
 
     /// What a program prints does not get into the files that it writes.
@@ -189,18 +204,14 @@ private slots:
         QDir(output->path()).mkdir("in");
         const QString there = output->filePath("in/2 B in 2.pdf");
         writeFile(there, "mine");
-        const auto runPoorly = [&](const QStringList &options) {
-            const auto restore = qScopeGuard([] { qunsetenv("LD_PRELOAD"); });
-            qputenv("LD_PRELOAD", SENDRIVO_POOR_FILE_SYSTEM);
+        const auto runPoorly = [&](const QStringList &options, const QByteArray &killed = "") {
+            const PoorFileSystem poor("POOR_KILL", killed);
             const auto run = startBatch(arguments(options + QStringList{path("in.pdf")}));
             return run->waitForFinished(timeLimitMs) && run->exitStatus() == QProcess::NormalExit
                        ? run->exitCode()
                        : -1;
         };
-        qputenv("POOR_KILL", victim);
-        const int exitCode = runPoorly({});
-        qunsetenv("POOR_KILL");
-        QCOMPARE(exitCode, victim == "group" ? -1 : 3);
+        QCOMPARE(runPoorly({}, victim), victim == "group" ? -1 : 3);
         QCOMPARE(QFile::exists(there), victim != "group");
         QFile::remove(output->filePath("in/1 A in 1.pdf"));
         QCOMPARE(runPoorly({"--existing", "fail"}), 5);

@@ -47,7 +47,8 @@ int rename(const char *old, const char *name) noexcept
     const std::string_view path = old;
     const std::string_view end = "/new/2.pdf";
     const char *victim = std::getenv("POOR_KILL");
-    if (victim && path.size() > end.size() && path.substr(path.size() - end.size()) == end)
+    if (victim && *victim != '\0' && path.size() > end.size() &&
+        path.substr(path.size() - end.size()) == end)
         ::kill(std::strcmp(victim, "group") == 0 ? 0 : ::getpid(), SIGKILL);
     return next<decltype(&rename)>("rename")(old, name);
 }
