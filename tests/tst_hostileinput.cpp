@@ -16,7 +16,8 @@ class TestHostileInput : public QObject
 private slots:
     void doesEnd_data();
     void doesEnd();
-    void unreadablePageIsAnError();
+    void isAnError_data();
+    void isAnError();
 };
 
 namespace {
@@ -114,13 +115,27 @@ void TestHostileInput::doesEnd_data()
     QTest::newRow("four billion objects") << huge.replace("/Size 5", "/Size 4294967295");
 }
 
-/// Rather than an empty page in the place of one that says something.
-void TestHostileInput::unreadablePageIsAnError()
+/// Rather than an empty page in the place of one that says something, or pages without end.
+void TestHostileInput::isAnError_data()
 {
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<QByteArray>("cause");
     const QByteArray deepArray = QByteArray(30000, '[') + QByteArray(30000, ']');
-    const MergeRun run(onePage("", "/Trans " + deepArray, {}), "1");
+    QTest::newRow("page is unreadable")
+        << onePage("", "/Trans " + deepArray, {}) << QByteArray("page");
+    QTest::newRow("nodes listed again and again")
+        << onePage("", "", doubling("<< /Kids [", "] >>") + QByteArrayList{"<< /Type /Page >>"})
+               .replace("/Kids [2 0 R]", "/Kids [5 0 R]")
+        << QByteArray("lists the same pages again and again");
+}
+
+void TestHostileInput::isAnError()
+{
+    QFETCH(QByteArray, bytes);
+    QFETCH(QByteArray, cause);
+    const MergeRun run(bytes, "1");
     QCOMPARE(run.result.exitCode, 3);
-    QVERIFY(run.result.errors.contains("page"));
+    QVERIFY(run.result.errors.contains(cause));
 }
 
 void TestHostileInput::doesEnd()

@@ -3,6 +3,8 @@
 
 #include "pdf/document/pagelist.h"
 
+#include "pdf/error.h"
+
 #include <set>
 
 namespace pdf {
@@ -30,9 +32,13 @@ public:
         while (!levels.empty()) {
             Level &level = levels.back();
             if (level.next >= level.size()) {
+                above.erase(level.node);
                 levels.pop_back();
                 continue;
             }
+            if (level.isRepeated && ++repeatedKids > mostRepeatedKids)
+                throw Error(ExitCode::InputUnreadable,
+                            pdf.getFilename() + ": lists the same pages again and again");
             const std::size_t index = level.next++;
             if (level.references.empty())
                 visitHandle(level.kids.getArrayItem(static_cast<int>(index)), level.node);
@@ -50,6 +56,7 @@ private:
         QPDFObjectHandle kids;              ///< kids of a node read through qpdf
         std::size_t length = 0;
         std::size_t next = 0;
+        bool isRepeated = false;
         [[nodiscard]] std::size_t size() const { return length; }
     };
 
@@ -57,10 +64,13 @@ private:
     /// last in each visit.
     void enter(QPDFObjGen node, QPDFObjGen parent, Level level)
     {
-        if (!visited.insert(node).second)
+        if (!above.insert(node).second) {
+            list.isRepaired = true;
             return;
+        }
+        level.isRepeated = !visited.insert(node).second;
         if (parent.isIndirect())
-            list.nodeParents[node] = parent;
+            list.nodeParents.emplace(node, parent);
         level.node = node;
         levels.push_back(std::move(level));
     }
@@ -90,12 +100,16 @@ private:
 
     void enterIndirect(QPDFObjectHandle object, QPDFObjGen parent)
     {
-        if (!object.isDictionary())
+        if (!object.isDictionary()) {
+            list.isRepaired = true;
             return;
+        }
         QPDFObjectHandle kids = object.getKey("/Kids");
         const bool isPage = object.getKey("/Type").isNameAndEquals("/Page") || !kids.isArray();
-        if (isPage && (isTypedAsOther(object) || !parent.isIndirect()))
+        if (isPage && (isTypedAsOther(object) || !parent.isIndirect())) {
+            list.isRepaired = true;
             return;
+        }
         if (!object.isIndirect()) {
             object = pdf.makeIndirectObject(object);
             list.hasNewObjects = true;
@@ -115,6 +129,11 @@ private:
     PageList list;
     std::vector<Level> levels;
     std::set<QPDFObjGen> visited;
+    std::set<QPDFObjGen> above; ///< the nodes that the walk is in
+    /// Kids of nodes met before. A few hundred bytes can list each node twice in the next one, and
+    /// so more pages than there is memory for.
+    static constexpr int mostRepeatedKids = 1000 * 1000;
+    int repeatedKids = 0;
 };
 
 QPDFObjectHandle pageTreeRoot(QPDF &pdf)
@@ -126,6 +145,7 @@ QPDFObjectHandle pageTreeRoot(QPDF &pdf)
 PageList allPageObjects(QPDF &pdf)
 {
     PageList list;
+    list.isRepaired = true;
     for (QPDFObjectHandle &object : pdf.getAllObjects()) {
         if (!object.isDictionaryOfType("/Page"))
             continue;
