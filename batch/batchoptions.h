@@ -20,6 +20,12 @@ enum class ExistingFiles {
     Rename     ///< number the document
 };
 
+/// What to do about an input that is damaged.
+enum class DamagedFiles {
+    Fail, ///< write none of its documents
+    Split ///< write what can be read of it
+};
+
 /// What one call asks for.
 enum class Action { Split, ListRules, ShowFragments, SaveRule, Help, Version };
 
@@ -38,6 +44,7 @@ struct BatchOptions
     QString nameTemplate; ///< empty: the window's names
     QString outputFolder;
     ExistingFiles existing = ExistingFiles::Overwrite;
+    DamagedFiles damaged = DamagedFiles::Fail;
     bool isDryRun = false;
     bool usesOutputOptions = false;
 
@@ -63,6 +70,7 @@ struct SplitPlan
     QString nameTemplate;
     QString outputFolder; ///< absolute, without links
     ExistingFiles existing = ExistingFiles::Overwrite;
+    DamagedFiles damaged = DamagedFiles::Fail;
     bool isDryRun = false;
     bool isResuming = false;
     std::optional<pdf::DocumentOptions> documentOptions;

@@ -52,6 +52,15 @@ ExistingFiles existingFiles(const QString &text)
     refuse(QStringLiteral("--existing: \"%1\" is none of fail, overwrite, rename").arg(text));
 }
 
+DamagedFiles damagedFiles(const QString &text)
+{
+    if (text == QLatin1String("fail"))
+        return DamagedFiles::Fail;
+    if (text == QLatin1String("split"))
+        return DamagedFiles::Split;
+    refuse(QStringLiteral("--damaged: \"%1\" is none of fail, split").arg(text));
+}
+
 int methodIndex(const QString &text)
 {
     const int method = number(text, 1, QStringLiteral("--method"));
@@ -127,6 +136,8 @@ QList<Handler> outputHandlers()
         general("--existing", {"fail|overwrite|rename"},
                 "what to do about files that are there already (overwrite)",
                 [](O &o, V v) { o.existing = existingFiles(v[0]); }),
+        general("--damaged", {"fail|split"}, "what to do about files that are damaged (fail)",
+                [](O &o, V v) { o.damaged = damagedFiles(v[0]); }),
         flag("--output-options", "apply document information and passwords of the settings",
              &O::usesOutputOptions),
         flag("--dry-run", "print what would be written and write nothing", &O::isDryRun),
@@ -291,12 +302,13 @@ QString helpText()
         text += QLatin1Char(' ') + option.help + QLatin1Char('\n');
     }
     return text +
-           QStringLiteral("\n"
-                          "Exit codes:\n"
-                          "  0  done; warnings alone do not count\n"
-                          "  2  command line not understood, or a rule that does not exist\n"
-                          "  3  no input could be read\n"
-                          "  4  some inputs failed, or pages of them; the others are whole\n"
-                          "  5  output cannot be written\n"
-                          "  6  every input needs a password, or forbids taking pages out\n");
+           QStringLiteral(
+               "\n"
+               "Exit codes:\n"
+               "  0  done; warnings alone do not count\n"
+               "  2  command line not understood, or a rule that does not exist\n"
+               "  3  no input could be read\n"
+               "  4  some inputs are damaged or failed, or pages of them; the others are whole\n"
+               "  5  output cannot be written\n"
+               "  6  every input needs a password, or forbids taking pages out\n");
 }

@@ -8,6 +8,7 @@
 #include "batch/stagingfolder.h"
 #include "pdf/assembly/assembly.h"
 #include "pdf/document/pageranges.h"
+#include "pdf/isolation/sharedmemory.h"
 #include "pdf/isolation/supervision.h"
 #include "pdf/layout/pageworkers.h"
 #include "split/inputstate.h"
@@ -18,6 +19,7 @@
 #include <QFileInfo>
 
 #include <algorithm>
+#include <atomic>
 #include <csignal>
 #include <functional>
 #include <optional>
@@ -26,6 +28,8 @@ namespace {
 
 using pdf::Error;
 using pdf::ExitCode;
+
+const QString brokenTable = QStringLiteral("its table of objects had to be rebuilt");
 
 void holdBackSignals()
 {
@@ -71,12 +75,14 @@ int endOfPart(const QList<DocumentResult> &documents, int first)
     return end;
 }
 
-/// Writes the documents from `first` to before `end` aside, in processes of their own.
+/// Writes the documents from `first` to before `end` aside, in processes of their own. Notes what
+/// damage shows only then.
 void writePart(const SplitPlan &plan, pdf::Document &document,
                const QList<DocumentResult> &documents, int first, int end,
-               const StagingFolder &staging, int workers)
+               const StagingFolder &staging, int workers, bool &isDamaged)
 {
     const int count = end - first;
+    const pdf::SharedMemory<std::atomic<bool>> showsDamage;
     SharedRecords causes(count + 1);
     pdf::PageWork work;
     work.pageCount = count;
@@ -88,12 +94,15 @@ void writePart(const SplitPlan &plan, pdf::Document &document,
         return [&](int index) {
             writeDocument(plan, document, documents[first + index],
                           QFile::encodeName(staging.pathOf(first + index)).toStdString());
+            if (!document.damage().empty())
+                *showsDamage = true;
         };
     };
     work.report = [&](int index, const std::string &cause) {
         causes.put(index < 0 ? count : index, cause);
     };
     const ExitCode code = pdf::workOnPages(work);
+    isDamaged = isDamaged || *showsDamage;
     if (code == ExitCode::Done)
         return;
     for (int index = count; index >= 0; --index) {
@@ -116,6 +125,34 @@ void checkNotWritten(const pdf::Document &document, const std::optional<InputSta
 
 /// Names the documents anew.
 using Naming = std::function<QList<DocumentResult>(const IsWritten &isWritten)>;
+
+/// What is damaged of an input, one entry each; nothing when it is sound.
+QStringList damageOf(const pdf::Document &document, const PageTexts &texts)
+{
+    QStringList damage;
+    if (!document.damage().empty())
+        damage.append(QString::fromStdString(document.damage()));
+    else if (texts.isRepaired)
+        damage.append(brokenTable);
+    if (!texts.pagesDamaged.isEmpty())
+        damage.append(QStringLiteral("contents cannot be decoded on pages ") +
+                      rangesOf(texts.pagesDamaged));
+    return damage;
+}
+
+/// Returns whether the documents are to be written nevertheless.
+bool setDamaged(const SplitPlan &plan, FileResult &result, const QStringList &damage)
+{
+    for (const QString &what : damage)
+        result.complaints.append(QStringLiteral("damaged: ") + what);
+    result.verdict = verdict::damaged;
+    result.exitCode = ExitCode::DoneInPart;
+    if (plan.damaged == DamagedFiles::Split)
+        return true;
+    result.documents.clear();
+    result.cause = QStringLiteral("is damaged: no documents are written (--damaged split does it)");
+    return false;
+}
 
 void setVerdict(FileResult &result, const PageTexts &texts)
 {
@@ -168,10 +205,13 @@ void publish(const SplitPlan &plan, pdf::Document &document,
     const QString folder = QFileInfo(result.documents.first().file).path();
     StagingFolder staging(folder);
     const int count = static_cast<int>(result.documents.size());
+    bool isDamaged = false;
     for (int first = 0, end = 0; first < count; first = end) {
         end = endOfPart(result.documents, first);
-        writePart(plan, document, result.documents, first, end, staging, workers);
+        writePart(plan, document, result.documents, first, end, staging, workers, isDamaged);
     }
+    if (isDamaged && result.verdict != verdict::damaged && !setDamaged(plan, result, {brokenTable}))
+        return;
     checkNotWritten(document, before);
     constexpr int attempts = 20;
     for (int i = 1; !publishAs(plan, staging, name, result); ++i) {
@@ -199,6 +239,9 @@ void split(const SplitPlan &plan, const FileJob &job, FileProgress &progress, Fi
     if (!areAllPagesOnce(decision.rangeList, result.pages))
         throw Error(ExitCode::InputUnreadable, "the documents do not hold every page once");
     setVerdict(result, texts);
+    const QStringList damage = damageOf(document, texts);
+    if (!damage.isEmpty() && !setDamaged(plan, result, damage))
+        return;
     const auto name = [&](const IsWritten &isWritten) {
         return nameDocuments(plan, job.input, decision, job.taken, isWritten);
     };

@@ -29,7 +29,7 @@ struct FileResult
     QList<DocumentResult> documents;
     QString verdict;
     QString cause;          ///< why it failed, else empty
-    QStringList complaints; ///< one for each page given up
+    QStringList complaints; ///< one for each page given up, and what is damaged
     QString pagesWithoutText;
     pdf::ExitCode exitCode = pdf::ExitCode::Done;
     double seconds = 0;
@@ -37,12 +37,13 @@ struct FileResult
     [[nodiscard]] bool isDone() const { return exitCode == pdf::ExitCode::Done; }
 };
 
-/// The verdicts. All but the last two are good.
+/// The verdicts. All but the last three are good.
 namespace verdict {
 inline const QString done = QStringLiteral("done");
 inline const QString noTextAtPosition = QStringLiteral("no text at the position");
 inline const QString noTextLayer = QStringLiteral("no text layer");
 inline const QString pagesWithoutTextLayer = QStringLiteral("pages without text layer");
+inline const QString damaged = QStringLiteral("damaged");
 inline const QString pagesGivenUp = QStringLiteral("pages given up");
 inline const QString failed = QStringLiteral("failed");
 } // namespace verdict

@@ -16,17 +16,33 @@
 
 namespace {
 
-// The first byte of a page's record tells what the others are.
+// A page's record begins with two bytes: what the others are, and how the page was read.
 constexpr char textFound = 'T';    ///< the deciding text
 constexpr char nothingThere = 'N'; ///< nothing: the page has text, but none at the position
 constexpr char pageIsEmpty = 'E';  ///< nothing: the page has no text at all
 constexpr char givenUp = 'G';      ///< the cause
 
-/// The record, which is never empty.
+constexpr char isSound = '-';
+constexpr char isRepaired = 'R'; ///< objects were not where the file says
+constexpr char isDamaged = 'D';  ///< contents could not be decoded as a whole
+
+constexpr std::size_t headSize = 2;
+
+std::string recordGivenUp(std::string_view cause)
+{
+    return std::string{givenUp, isSound} + std::string(cause);
+}
+
+std::string_view textOf(std::string_view record)
+{
+    return record.substr(headSize);
+}
+
+/// The record, which has a head at least.
 std::string_view recordOf(const SharedRecords &records, int index)
 {
     const std::string_view record = records.at(index).value_or(std::string_view());
-    return record.empty() ? "Gcannot be read" : record;
+    return record.size() < headSize ? "G-cannot be read" : record;
 }
 
 /// Runs `convert` for each page in worker processes. The record behind the last page's takes the
@@ -44,20 +60,26 @@ void workInProcesses(pdf::Document &document, SharedRecords &records, int pageCo
         return [&](int index) { convert(*reader, index); };
     };
     work.report = [&](int index, const std::string &cause) {
-        records.put(index < 0 ? pageCount : index, givenUp + cause);
+        records.put(index < 0 ? pageCount : index, recordGivenUp(cause));
     };
     const pdf::ExitCode code = pdf::workOnPages(work);
     if (code == pdf::ExitCode::Done || code == pdf::ExitCode::DoneInPart)
         return;
-    throw pdf::Error(code, std::string(recordOf(records, pageCount).substr(1)));
+    throw pdf::Error(code, std::string(textOf(recordOf(records, pageCount))));
 }
 
-std::string pageRecord(const std::vector<pdf::Fragment> &fragments, const TextQuery &query)
+std::string pageRecord(pdf::RepairingReader &reader, int index, const TextQuery &query)
 {
+    const std::vector<pdf::Fragment> fragments = reader.fragments(index);
+    const char state = reader.hasDamagedContents() ? isDamaged
+                       : reader.wasRepaired()      ? isRepaired
+                                                   : isSound;
     if (fragments.empty())
-        return {pageIsEmpty};
+        return {pageIsEmpty, state};
     const QString text = queriedText(fragments, query);
-    return text == noText() ? std::string{nothingThere} : textFound + text.toStdString();
+    if (text == noText())
+        return {nothingThere, state};
+    return std::string{textFound, state} + text.toStdString();
 }
 
 QString toText(std::string_view bytes)
@@ -74,7 +96,7 @@ PageTexts readPageTexts(pdf::Document &document, const TextQuery &query, int wor
     SharedRecords records(count + 1);
     workInProcesses(document, records, count, workers,
                     [&](pdf::RepairingReader &reader, int index) {
-                        records.put(index, pageRecord(reader.fragments(index), query));
+                        records.put(index, pageRecord(reader, index, query));
                         ++pagesDone;
                     });
     PageTexts result;
@@ -82,16 +104,18 @@ PageTexts readPageTexts(pdf::Document &document, const TextQuery &query, int wor
         const std::string_view record = recordOf(records, index);
         QString text = noText();
         if (record[0] == textFound) {
-            text = toText(record.substr(1));
+            text = toText(textOf(record));
             result.hasAnyAtPosition = true;
         } else if (record[0] == pageIsEmpty) {
             result.pagesWithout.append(index + 1);
         } else if (record[0] == givenUp) {
             result.pagesGivenUp.append(index + 1);
-            result.complaints.append(
-                QStringLiteral("page %1: given up: %2")
-                    .arg(QString::number(index + 1), toText(record.substr(1))));
+            result.complaints.append(QStringLiteral("page %1: given up: %2")
+                                         .arg(QString::number(index + 1), toText(textOf(record))));
         }
+        if (record[1] == isDamaged)
+            result.pagesDamaged.append(index + 1);
+        result.isRepaired = result.isRepaired || record[1] == isRepaired;
         result.texts.append(text);
     }
     return result;
@@ -112,7 +136,7 @@ std::vector<pdf::Fragment> readFragments(pdf::Document &document, int page)
             record.append(reinterpret_cast<const char *>(box), sizeof box);
             record += fragment.text;
         }
-        records.put(0, textFound + record);
+        records.put(0, std::string{textFound, isSound} + record);
     };
     workInProcesses(document, records, 1, 1, store);
     std::string_view record = recordOf(records, 0);
@@ -122,9 +146,9 @@ std::vector<pdf::Fragment> readFragments(pdf::Document &document, int page)
                                                              ": given up: " + std::string(cause));
     };
     if (record[0] == givenUp)
-        giveUp(record.substr(1));
+        giveUp(textOf(record));
     std::vector<pdf::Fragment> result;
-    for (record.remove_prefix(1); !record.empty();) {
+    for (record.remove_prefix(headSize); !record.empty();) {
         int box[5] = {};
         std::memcpy(box, record.data(), std::min(record.size(), sizeof box));
         record.remove_prefix(std::min(record.size(), sizeof box));

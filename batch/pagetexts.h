@@ -18,6 +18,8 @@ struct PageTexts
     QList<int> pagesWithout; ///< pages (from 1) without any text, as scans are before OCR
     QList<int> pagesGivenUp; ///< pages (from 1) that could not be read and count as without text
     QStringList complaints;  ///< why, one entry for each page given up
+    QList<int> pagesDamaged; ///< pages (from 1) whose contents could be decoded in part only
+    bool isRepaired = false; ///< objects that pages need were not where the file says
     bool hasAnyAtPosition = false;
 };
 

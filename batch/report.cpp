@@ -122,9 +122,11 @@ void Report::read()
         // A line that a killed run left unfinished says nothing.
         const QJsonObject entry = QJsonDocument::fromJson(line).object();
         const FileResult result = fromJson(entry);
+        const bool isSame = isSameRequest(entry, wanted);
+        earlierDocuments.add(result, isSame);
         if (!result.documents.isEmpty())
             addPlaces(places[folderKey(QFileInfo(result.documents.first().file).path())], result);
-        if (result.input.isEmpty() || !isSameRequest(entry, wanted))
+        if (result.input.isEmpty() || !isSame)
             continue;
         if (result.isDone())
             doneInputs.insert(result.input, result);
@@ -149,9 +151,12 @@ bool Report::isDoneBefore(const QString &input) const
     return found->size == now.size && found->time == now.time && isThere;
 }
 
-void Report::append(const FileResult &result)
+QStringList Report::append(const FileResult &result)
 {
+    // First: what a killed run has not removed has to be met again.
+    const QStringList removed = earlierDocuments.replaceBy(result);
     write(QJsonDocument(reportEntry(result, plan)).toJson(QJsonDocument::Compact) + '\n');
+    return removed;
 }
 
 /// One call for the whole line: the system appends it as one piece.

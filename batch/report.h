@@ -5,6 +5,7 @@
 
 #include "batch/batchoptions.h"
 #include "batch/documentnames.h"
+#include "batch/earlierdocuments.h"
 
 #include <QHash>
 #include <QString>
@@ -32,8 +33,10 @@ public:
     /// documents of their inputs, which may not be among those of this run.
     [[nodiscard]] const QHash<QString, TakenPlaces> &placesByFolder() const { return places; }
 
+    /// Removes what earlier runs of the report wrote of the input and this one does not, so that
+    /// only its documents are left, and appends the result. Returns the paths that were removed.
     /// Throws pdf::Error(OutputUnwritable).
-    void append(const FileResult &result);
+    QStringList append(const FileResult &result);
 
 private:
     void refuseOtherFiles() const;
@@ -45,6 +48,7 @@ private:
     const SplitPlan &plan;
     QHash<QString, FileResult> doneInputs;
     QHash<QString, TakenPlaces> places; ///< by folderKey()
+    EarlierDocuments earlierDocuments;
     int file = -1;
 };
 

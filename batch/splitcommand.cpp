@@ -103,6 +103,7 @@ SplitPlan makePlan(const BatchOptions &options)
     const QFileInfo folder(options.outputFolder);
     plan.outputFolder = folder.exists() ? folder.canonicalFilePath() : folder.absoluteFilePath();
     plan.existing = options.existing;
+    plan.damaged = options.damaged;
     plan.isDryRun = options.isDryRun;
     plan.isResuming = options.isResuming;
     if (options.usesOutputOptions) {
@@ -177,8 +178,11 @@ public:
             complain(result.input + QLatin1String(": ") + complaint);
         if (result.verdict != verdict::done)
             complain(result.input + QLatin1String(": ") + remark(result));
-        if (report && !plan.isDryRun)
-            report->append(result);
+        const QStringList removed =
+            report && !plan.isDryRun ? report->append(result) : QStringList();
+        for (const QString &path : removed)
+            complain(result.input + QLatin1String(": has no such document any more, removed: ") +
+                     path);
         print(result);
     }
 

@@ -7,7 +7,7 @@ _sendrivo_batch()
 {
     local current=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]}
     local options="--rule --position --settings --tolerance --match --method --output --name
-        --existing --output-options --dry-run --files-from --jobs --report --resume --json --quiet --list-rules
+        --existing --damaged --output-options --dry-run --files-from --jobs --report --resume --json --quiet --list-rules
         --fragments --save-rule --help --version"
     case $before in
     --rule)
@@ -22,6 +22,7 @@ _sendrivo_batch()
         ;;
     --method) mapfile -t COMPREPLY < <(compgen -W "1 2 3" -- "$current") ;;
     --existing) mapfile -t COMPREPLY < <(compgen -W "fail overwrite rename" -- "$current") ;;
+    --damaged) mapfile -t COMPREPLY < <(compgen -W "fail split" -- "$current") ;;
     --output) mapfile -t COMPREPLY < <(compgen -d -- "$current") ;;
     --position | --tolerance | --match | --name | --jobs | --fragments | --save-rule) COMPREPLY=() ;;
     *)

@@ -37,7 +37,7 @@ void addFacts(std::string &result, Document &document)
     QPDF &pdf = document.qpdf();
     result += line("PDFVersion", pdf.getPDFVersion());
     result += line("Encrypted", pdf.isEncrypted() ? "yes" : "no");
-    result += line("Repaired", document.isDamaged() ? "yes" : "no");
+    result += line("Repaired", document.damage().empty() ? "no" : "yes");
     QPDFObjectHandle info = pdf.getTrailer().getKey("/Info");
     if (info.isDictionary()) {
         result += infoLine(info, "/Title", "Title");

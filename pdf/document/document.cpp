@@ -60,7 +60,7 @@ void Document::open()
 void Document::read(std::string_view bytes)
 {
     pdf = QPDF::create();
-    pdf->setSuppressWarnings(true);
+    pdf->setLogger(notes.logger());
     Appendix appendix = appendixFor(bytes);
     if (appendix.isWholeTable)
         wholeReferenceTable = appendix.bytes;
@@ -72,6 +72,16 @@ void Document::read(std::string_view bytes)
         std::make_unique<ObjectBytes>(*pdf, salvaged.empty() ? bytes : std::string_view());
     pageList = readPageList(*pdf, *bytesOfObjects);
     hadWarnings = !salvaged.empty() || pdf->anyWarnings();
+    isCutOff = bytesOfObjects->reachBeyondEnd() || endsInUpdate(input.bytes());
+}
+
+std::string Document::damage() const
+{
+    if (isCutOff)
+        return "it is cut off";
+    if (notes.wasRebuilt() || !salvaged.empty())
+        return "its table of objects had to be rebuilt";
+    return pageList.isRepaired ? "its page tree had to be repaired" : "";
 }
 
 bool Document::salvage()

@@ -3,6 +3,7 @@
 
 #pragma once
 
+#include "pdf/document/damage.h"
 #include "pdf/document/mappedfile.h"
 #include "pdf/document/pagelist.h"
 
@@ -34,9 +35,12 @@ public:
     /// Whether the permissions allow taking pages out (ISO 32000-1, table 22, bit 11, or bit 4 in
     /// files of security handler revision 2).
     [[nodiscard]] bool mayAssemble();
-    /// Whether reading met damage so far: object numbers and offsets in the file are then not to
-    /// be relied on.
+    /// Whether reading met anything wrong so far: object numbers and offsets in the file are then
+    /// not to be relied on.
     [[nodiscard]] bool isDamaged() const { return pdf->anyWarnings() || hadWarnings; }
+    /// What was lost of the file or had to be found anew so far, in words that follow "damaged: ";
+    /// empty when pages and their contents are what the file says, odd as it may be otherwise.
+    [[nodiscard]] std::string damage() const;
 
 private:
     void open();
@@ -50,6 +54,8 @@ private:
     std::shared_ptr<QPDF> pdf;
     std::unique_ptr<ObjectBytes> bytesOfObjects;
     PageList pageList;
+    RebuildNotes notes;
+    bool isCutOff = false; ///< the file ends before what belongs to it does
     bool hadWarnings = false;
 };
 

@@ -3,6 +3,8 @@
 
 #include "pdf/document/objectbytes.h"
 
+#include <algorithm>
+
 namespace pdf {
 
 ObjectBytes::ObjectBytes(QPDF &document, std::string_view file) : pdf(document), bytes(file)
@@ -39,6 +41,14 @@ std::string_view ObjectBytes::from(QPDFObjGen object) const
 {
     const std::size_t offset = offsetOf(object).value_or(bytes.size());
     return offset < bytes.size() ? bytes.substr(offset) : std::string_view();
+}
+
+bool ObjectBytes::reachBeyondEnd() const
+{
+    return !bytes.empty() && std::any_of(offsets.begin(), offsets.end(), [this](const auto &entry) {
+        return entry.second.getType() == 1 &&
+               static_cast<std::size_t>(entry.second.getOffset()) >= bytes.size();
+    });
 }
 
 } // namespace pdf

@@ -26,6 +26,8 @@ public:
     [[nodiscard]] std::optional<RawEntries> peekEntries(QPDFObjGen object) const;
     /// The file from where the object begins ("7 0 obj"); empty when qpdf is to be asked.
     [[nodiscard]] std::string_view from(QPDFObjGen object) const;
+    /// Whether objects are to stand behind the end of the file.
+    [[nodiscard]] bool reachBeyondEnd() const;
 
 private:
     [[nodiscard]] std::optional<std::size_t> offsetOf(QPDFObjGen object) const;

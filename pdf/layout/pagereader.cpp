@@ -10,7 +10,7 @@
 #include "pdf/layout/pngfile.h"
 #include "pdf/layout/twopartstream.h"
 
-#include <cstring>
+#include <cstdlib>
 #include <malloc.h>
 #include <mupdf/fitz.h>
 #include <mupdf/pdf.h>
@@ -39,6 +39,28 @@ constexpr float layoutScale = static_cast<float>(layoutDpi / 72);
 
 void ignoreMessage(void * /*user*/, const char * /*message*/)
 {
+}
+
+/// The memory that MuPDF gets. Whenever there is none the notes, which are `user`, tell it.
+void *allocate(void *user, std::size_t size)
+{
+    void *memory = std::malloc(size);
+    if (memory == nullptr && size > 0)
+        ++static_cast<ReadingNotes *>(user)->lackOfMemory;
+    return memory;
+}
+
+void *reallocate(void *user, void *old, std::size_t size)
+{
+    void *memory = std::realloc(old, size);
+    if (memory == nullptr && size > 0)
+        ++static_cast<ReadingNotes *>(user)->lackOfMemory;
+    return memory;
+}
+
+void release(void * /*user*/, void *memory)
+{
+    std::free(memory);
 }
 
 std::size_t bytesInUse()
@@ -252,7 +274,8 @@ int flatPageNumber(fz_context *context, pdf_document *document, int index)
 struct PageReader::Engine
 {
     explicit Engine(const ReadablePages &readablePages)
-        : pages(readablePages), context(fz_new_context(nullptr, nullptr, storeBytes))
+        : pages(readablePages), allocations{&notes, allocate, reallocate, release},
+          context(fz_new_context(&allocations, nullptr, storeBytes))
     {
         fonts.emplace(context.get());
     }
@@ -271,6 +294,8 @@ struct PageReader::Engine
         int index = 0;
         for (int &number : copiedPages)
             number = flatPageNumber(context.get(), document, index++);
+        // MuPDF does so, too, about tables that qpdf understands.
+        wasRepairedAtStart = document->repair_attempted != 0;
         readLargeNodes();
         pdf_mark_xref(context.get(), document);
         bytesAtStart = bytesInUse();
@@ -309,9 +334,12 @@ struct PageReader::Engine
     }
 
     const ReadablePages &pages;
+    ReadingNotes notes;
+    fz_alloc_context allocations;
     std::unique_ptr<fz_context, ContextDeleter> context;
     std::optional<FontStore> fonts;
     pdf_document *document = nullptr;
+    bool wasRepairedAtStart = false;
     int pagesRead = 0;
     std::size_t bytesAtStart = 0; ///< in use when pages were last forgotten
     std::vector<int> copiedPages; ///< page objects of a copy, which has numbers of its own
@@ -322,7 +350,7 @@ PageReader::PageReader(const ReadablePages &pages) : engine(std::make_unique<Eng
     fz_context *context = engine->context.get();
     if (context == nullptr)
         throw std::bad_alloc();
-    fz_set_warning_callback(context, ignoreMessage, nullptr);
+    fz_set_warning_callback(context, noteWarning, &engine->notes);
     fz_set_error_callback(context, ignoreMessage, nullptr);
     if (pages.isCopy())
         engine->copiedPages.resize(static_cast<std::size_t>(pages.count()));
@@ -343,6 +371,7 @@ std::vector<Fragment> PageReader::fragments(int index)
     fz_context *context = engine->context.get();
     const PageEntry entry = engine->entry(index);
     LoadedPage loaded(context, engine->document);
+    engine->notes.isDamaged = false;
     fz_try(context)
     {
         engine->forgetPages();
@@ -360,7 +389,7 @@ std::vector<Fragment> PageReader::fragments(int index)
     TextInterpreter interpreter(context, &*engine->fonts, &collector, toPixels);
     fz_try(context)
     {
-        interpretPage(context, loaded.page, &interpreter);
+        interpretPage(context, loaded.page, &interpreter, &engine->notes);
     }
     fz_catch(context)
     {
@@ -368,6 +397,16 @@ std::vector<Fragment> PageReader::fragments(int index)
     }
     std::vector<GlyphRun> runs = collector.takeRuns();
     return makeFragments(std::move(runs), collector.takeMarks());
+}
+
+bool PageReader::hasDamagedContents() const
+{
+    return engine->notes.isDamaged;
+}
+
+bool PageReader::wasRepaired() const
+{
+    return engine->document->repair_attempted != 0 && !engine->wasRepairedAtStart;
 }
 
 std::string PageReader::image(int index)

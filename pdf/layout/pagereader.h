@@ -35,6 +35,8 @@ public:
     }
     /// Whether bytes() is a copy, whose page tree is one node that lists all pages.
     [[nodiscard]] bool isCopy() const { return !copy.empty(); }
+    /// Whether the document has turned out to be damaged so far, see Document::damage().
+    [[nodiscard]] bool isDamaged() const { return !document.damage().empty(); }
     /// Goes over to a copy, for a file that only one of the two libraries understands. Throws as
     /// the constructor does, and leaves everything as it was then.
     void makeCopy();
@@ -65,9 +67,13 @@ public:
     PageReader &operator=(const PageReader &) = delete;
 
     /// The text of the page with this index (from 0), see fragment.h.
-    /// Throws Error(InputUnreadable) when the page cannot be loaded; damaged contents give the text
-    /// before the damage.
+    /// Throws Error(InputUnreadable) when the page cannot be loaded; contents that cannot be
+    /// decoded give the text before the damage.
     [[nodiscard]] std::vector<Fragment> fragments(int index);
+    /// Whether the contents that fragments() read last cannot be decoded as a whole.
+    [[nodiscard]] bool hasDamagedContents() const;
+    /// Whether objects that the pages read so far need were not where the file says.
+    [[nodiscard]] bool wasRepaired() const;
     /// The page at layoutDpi as a PNG file: what a viewer shows, annotations included.
     /// Throws Error(InputUnreadable), PageTooLarge.
     [[nodiscard]] std::string image(int index);

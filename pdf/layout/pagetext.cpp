@@ -9,25 +9,29 @@ namespace pdf {
 
 namespace {
 
-/// Damage ends what is being run, and no more.
-void noteFailure(fz_context *context, TextProcessor *processor)
+/// What MuPDF does not overcome by itself ends the page: a page without its text would pass for one
+/// that has none.
+[[noreturn]] void giveUp(fz_context *context, const TextProcessor *processor)
 {
-    if (fz_caught(context) == FZ_ERROR_MEMORY)
-        processor->isOutOfMemory = true;
+    if (processor->isOutOfMemory)
+        fz_throw(context, FZ_ERROR_MEMORY, "needs too much memory");
+    fz_rethrow(context);
 }
 
 void processContents(fz_context *context, TextProcessor *processor, pdf_page *page)
 {
     fz_cookie cookie = {};
+    const ReadingNotes before = *processor->notes;
+    pdf_obj *contents = pdf_page_contents(context, page);
     fz_try(context)
     {
         pdf_process_contents(context, &processor->base, page->doc,
-                             pdf_page_resources(context, page), pdf_page_contents(context, page),
-                             &cookie);
+                             pdf_page_resources(context, page), contents, &cookie);
+        checkContents(context, contents, before, processor->notes);
     }
     fz_catch(context)
     {
-        noteFailure(context, processor);
+        giveUp(context, processor);
     }
     startNextStream(processor);
 }
@@ -65,7 +69,7 @@ void processAnnotation(fz_context *context, TextProcessor *processor, pdf_page *
     }
     fz_catch(context)
     {
-        noteFailure(context, processor);
+        giveUp(context, processor);
     }
     startNextStream(processor);
 }
@@ -83,13 +87,16 @@ void process(fz_context *context, TextProcessor *processor, pdf_page *page)
 
 } // namespace
 
-void interpretPage(fz_context *context, pdf_page *page, TextInterpreter *interpreter)
+void interpretPage(fz_context *context, pdf_page *page, TextInterpreter *interpreter,
+                   ReadingNotes *notes)
 {
-    TextProcessor *processor = newTextProcessor(context, page->doc, interpreter);
+    const int failuresBefore = notes->lackOfMemory;
+    TextProcessor *processor = newTextProcessor(context, page->doc, interpreter, notes);
     fz_try(context)
     {
         process(context, processor, page);
-        if (processor->isOutOfMemory)
+        // MuPDF takes what it has no memory for as damaged, for example a font, and goes on.
+        if (processor->isOutOfMemory || notes->lackOfMemory != failuresBefore)
             fz_throw(context, FZ_ERROR_MEMORY, "needs too much memory");
         pdf_close_processor(context, &processor->base);
     }

@@ -3,6 +3,7 @@
 
 #pragma once
 
+#include "pdf/layout/contentscheck.h"
 #include "pdf/layout/textinterpreter.h"
 
 #include <mupdf/fitz.h>
@@ -11,9 +12,10 @@
 namespace pdf {
 
 /// Lets the interpreter follow a page's contents and the appearances of its annotations and form
-/// fields. Damaged contents give the text before the damage.
+/// fields. Contents that cannot be decoded give the text before the damage, which is noted.
 ///
 /// Throws MuPDF exceptions only: call it inside fz_try.
-void interpretPage(fz_context *context, pdf_page *page, TextInterpreter *interpreter);
+void interpretPage(fz_context *context, pdf_page *page, TextInterpreter *interpreter,
+                   ReadingNotes *notes);
 
 } // namespace pdf

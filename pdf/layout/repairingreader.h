@@ -20,6 +20,9 @@ public:
     [[nodiscard]] std::vector<Fragment> fragments(int index);
     [[nodiscard]] std::string image(int index);
     [[nodiscard]] std::string missingFont() const;
+    [[nodiscard]] bool hasDamagedContents() const { return reader->hasDamagedContents(); }
+    /// As PageReader has it, or as it turned out while the copy was made.
+    [[nodiscard]] bool wasRepaired() const { return pages.isDamaged() || reader->wasRepaired(); }
 
 private:
     /// The reader, which is missing only while memory is short.

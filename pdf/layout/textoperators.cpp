@@ -158,12 +158,14 @@ void runForm(fz_context *context, pdf_processor *processor, pdf_obj *form, pdf_o
     const int hidden = processor->hidden;
     const Matrix matrix = Matrix::of(pdf_xobject_matrix(context, form));
     const fz_rect box = pdf_xobject_bbox(context, form);
+    const ReadingNotes before = *text->notes;
     TextInterpreter::Surroundings around;
     perform(context, processor, [&] { around = text->interpreter->enterForm(matrix, box); });
     fz_try(context)
     {
         pdf_process_contents(context, processor, text->document,
                              ownResources != nullptr ? ownResources : pageResources, form, nullptr);
+        checkContents(context, form, before, text->notes);
     }
     fz_always(context)
     {
@@ -241,12 +243,13 @@ void EMC(fz_context *context, pdf_processor *processor)
 } // namespace
 
 TextProcessor *newTextProcessor(fz_context *context, pdf_document *document,
-                                TextInterpreter *interpreter)
+                                TextInterpreter *interpreter, ReadingNotes *notes)
 {
     auto *text = static_cast<TextProcessor *>(
         pdf_new_processor(context, static_cast<int>(sizeof(TextProcessor))));
     text->interpreter = interpreter;
     text->document = document;
+    text->notes = notes;
     pdf_processor &processor = text->base;
     processor.usage = "View";
     processor.op_q = q;

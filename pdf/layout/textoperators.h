@@ -3,6 +3,7 @@
 
 #pragma once
 
+#include "pdf/layout/contentscheck.h"
 #include "pdf/layout/textinterpreter.h"
 
 #include <mupdf/fitz.h>
@@ -21,12 +22,13 @@ struct TextProcessor
     pdf_cycle_list *runningForms; ///< innermost first
     int formDepth;
     bool isOutOfMemory; ///< MuPDF goes on after most errors, this one must end the page
+    ReadingNotes *notes;
 };
 
 /// Throws MuPDF exceptions only, and so do the operators. To be dropped with pdf_drop_processor();
-/// interpreter and document must outlive it.
+/// interpreter, document and notes must outlive it.
 [[nodiscard]] TextProcessor *newTextProcessor(fz_context *context, pdf_document *document,
-                                              TextInterpreter *interpreter);
+                                              TextInterpreter *interpreter, ReadingNotes *notes);
 
 /// Makes the processor ready for a page's next stream, whatever the last one left open.
 void startNextStream(TextProcessor *processor);

@@ -64,14 +64,15 @@ QByteArray PdfBuilder::bytes(int catalog, const QByteArray &trailer) const
            ref(catalog) + ' ' + trailer + " >>\nstartxref\n" + start + "\n%%EOF\n";
 }
 
-QByteArray simplePdf(const QByteArrayList &contents, const QByteArray &pageEntries)
+QByteArray simplePdf(const QByteArrayList &contents, const QByteArray &pageEntries,
+                     const QByteArray &streamEntries)
 {
     PdfBuilder file;
     const int root = file.reserve();
     const int font = file.addHelvetica();
     QList<int> pages;
     for (const QByteArray &stream : contents) {
-        const int data = file.addStream(stream);
+        const int data = file.addStream(stream, streamEntries);
         pages.append(file.add("<< /Type /Page /Parent " + PdfBuilder::ref(root) +
                               " /MediaBox [0 0 300 200] /Resources << /Font << /F1 " +
                               PdfBuilder::ref(font) + " >> >> /Contents " + PdfBuilder::ref(data) +

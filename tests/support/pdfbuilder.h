@@ -40,9 +40,10 @@ private:
 };
 
 /// A file of one page for each contents stream, Helvetica as /F1, media box 0 0 300 200 points;
-/// pageEntries is added to each page dictionary.
+/// pageEntries is added to each page dictionary, streamEntries to that of each contents stream.
 [[nodiscard]] QByteArray simplePdf(const QByteArrayList &contents,
-                                   const QByteArray &pageEntries = QByteArray());
+                                   const QByteArray &pageEntries = QByteArray(),
+                                   const QByteArray &streamEntries = QByteArray());
 
 /// Operators that show the text in Helvetica with its baseline beginning at x, y.
 [[nodiscard]] QByteArray showText(double x, double y, const QByteArray &text, int size = 12);
