@@ -21,8 +21,10 @@
 #include <algorithm>
 #include <atomic>
 #include <csignal>
+#include <fcntl.h>
 #include <functional>
 #include <optional>
+#include <unistd.h>
 
 namespace {
 
@@ -113,15 +115,46 @@ void writePart(const SplitPlan &plan, pdf::Document &document,
     throw Error(ExitCode::InputUnreadable, "documents cannot be written");
 }
 
-/// Throws Error when the input was written to since it had that state: its documents may then hold
-/// other pages than those that were read. One that was removed or renamed is open as it was.
-void checkNotWritten(const pdf::Document &document, const std::optional<InputState> &before)
+/// An input as it was before anything of it was read. Pages of two states in one document, or
+/// ranges found in one state and taken from another, are what nobody would notice.
+class UnchangedInput
 {
-    const std::optional<InputState> now = inputState(document.file().descriptor());
-    if (!before || !now || now->sizeBytes != before->sizeBytes ||
-        now->modifiedNs != before->modifiedNs)
-        throw Error(ExitCode::InputUnreadable, "was changed while it was read");
-}
+public:
+    explicit UnchangedInput(const std::string &inputPath)
+        : path(inputPath), before(settledInputState(inputPath)),
+          file(::open(inputPath.c_str(), O_PATH | O_CLOEXEC))
+    {
+    }
+    ~UnchangedInput()
+    {
+        if (file >= 0)
+            ::close(file);
+    }
+    Q_DISABLE_COPY_MOVE(UnchangedInput)
+
+    /// Throws Error when it was written to, even where a program set the time back. Removing it or
+    /// putting another file in its place changes a time, too, but not what is open.
+    void check() const
+    {
+        std::optional<InputState> now = inputState(file);
+        const std::optional<InputState> inPlace = inputState(path);
+        if (now && (!inPlace || inPlace->inode != now->inode || inPlace->device != now->device))
+            now->changedNs = before ? before->changedNs : 0;
+        if (now != before)
+            throw Error(ExitCode::InputUnreadable, "was changed while it was read");
+    }
+    /// Throws Error when what was opened is another file.
+    void checkOpened(int descriptor) const
+    {
+        if (inputState(descriptor) != before)
+            throw Error(ExitCode::InputUnreadable, "was changed while it was read");
+    }
+
+private:
+    std::string path;
+    std::optional<InputState> before;
+    int file;
+};
 
 /// Names the documents anew.
 using Naming = std::function<QList<DocumentResult>(const IsWritten &isWritten)>;
@@ -197,10 +230,8 @@ bool publishAs(const SplitPlan &plan, StagingFolder &staging, const Naming &name
     return staging.publish(paths, plan.existing == ExistingFiles::Overwrite);
 }
 
-/// `before` is the input's state before anything of it was read.
-void publish(const SplitPlan &plan, pdf::Document &document,
-             const std::optional<InputState> &before, int workers, const Naming &name,
-             FileResult &result)
+void publish(const SplitPlan &plan, pdf::Document &document, const UnchangedInput &input,
+             int workers, const Naming &name, FileResult &result)
 {
     const QString folder = QFileInfo(result.documents.first().file).path();
     StagingFolder staging(folder);
@@ -212,7 +243,7 @@ void publish(const SplitPlan &plan, pdf::Document &document,
     }
     if (isDamaged && result.verdict != verdict::damaged && !setDamaged(plan, result, {brokenTable}))
         return;
-    checkNotWritten(document, before);
+    input.check();
     constexpr int attempts = 20;
     for (int i = 1; !publishAs(plan, staging, name, result); ++i) {
         // Another run took a name that was free a moment ago.
@@ -221,11 +252,11 @@ void publish(const SplitPlan &plan, pdf::Document &document,
     }
 }
 
-void split(const SplitPlan &plan, const FileJob &job, FileProgress &progress, FileResult &result)
+void split(const SplitPlan &plan, const FileJob &job, const UnchangedInput &input,
+           FileProgress &progress, FileResult &result)
 {
-    const std::string path = QFile::encodeName(job.input).toStdString();
-    const std::optional<InputState> before = inputState(path);
-    pdf::Document document(path);
+    pdf::Document document(QFile::encodeName(job.input).toStdString());
+    input.checkOpened(document.file().descriptor());
     result.pages = document.pages().count();
     progress.pageCount = result.pages;
     if (result.pages == 0)
@@ -248,7 +279,23 @@ void split(const SplitPlan &plan, const FileJob &job, FileProgress &progress, Fi
     result.documents =
         name(mayBeThere(plan) ? [](int, const QString &) { return true; } : IsWritten());
     if (!plan.isDryRun)
-        publish(plan, document, before, workers, name, result);
+        publish(plan, document, input, workers, name, result);
+}
+
+/// As split(), but what goes wrong with a file that is just being written to is put down to that.
+void splitUnchanged(const SplitPlan &plan, const FileJob &job, FileProgress &progress,
+                    FileResult &result)
+{
+    const UnchangedInput input(QFile::encodeName(job.input).toStdString());
+    try {
+        split(plan, job, input, progress, result);
+    } catch (...) {
+        input.check();
+        throw;
+    }
+    // What is published was checked before it was; later changes are no matter of it.
+    if (result.documents.isEmpty() || plan.isDryRun)
+        input.check();
 }
 
 } // namespace
@@ -264,7 +311,7 @@ FileResult splitFile(const SplitPlan &plan, const FileJob &job, FileProgress &pr
         result.pages = pages;
     };
     try {
-        split(plan, job, progress, result);
+        splitUnchanged(plan, job, progress, result);
     } catch (const pdf::NoProcess &error) {
         progress.lacksProcess = true;
         fail(error.exitCode(), error.what());

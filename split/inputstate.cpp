@@ -60,24 +60,6 @@ bool isPrivateFolder(const std::string &path)
     return ::lstat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode) && isPrivate(status);
 }
 
-/// The state as it is when every later write gives another one: the kernel stamps files with a
-/// clock that moves on every few milliseconds.
-std::optional<InputState> settledState(const std::string &path)
-{
-    constexpr int tries = 20; // a clock that was set back must not keep the caller for ever
-    constexpr timespec pause = {0, 1'000'000};
-    std::optional<InputState> state;
-    for (int i = 0; i < tries; ++i) {
-        timespec now = {};
-        ::clock_gettime(CLOCK_REALTIME_COARSE, &now);
-        state = inputState(path);
-        if (!state || state->changedNs < nanoseconds(now))
-            break;
-        ::nanosleep(&pause, nullptr);
-    }
-    return state;
-}
-
 /// A line of numbers and then the path to the end: whatever bytes the path has, nothing of it can
 /// be taken for something else.
 std::string recordText(const InputState &state, const std::string &path)
@@ -135,6 +117,23 @@ std::optional<InputState> inputState(int descriptor)
     return ::fstat(descriptor, &status) == 0 ? stateFrom(status) : std::nullopt;
 }
 
+// The kernel stamps files with a clock that moves on every few milliseconds.
+std::optional<InputState> settledInputState(const std::string &path)
+{
+    constexpr int tries = 20; // a clock that was set back must not keep the caller for ever
+    constexpr timespec pause = {0, 1'000'000};
+    std::optional<InputState> state;
+    for (int i = 0; i < tries; ++i) {
+        timespec now = {};
+        ::clock_gettime(CLOCK_REALTIME_COARSE, &now);
+        state = inputState(path);
+        if (!state || state->changedNs < nanoseconds(now))
+            break;
+        ::nanosleep(&pause, nullptr);
+    }
+    return state;
+}
+
 bool recordInputState(const std::string &folder, const std::string &path)
 {
     const std::string newRecord = folder + newRecordName;
@@ -143,7 +142,7 @@ bool recordInputState(const std::string &folder, const std::string &path)
     ::unlink(newRecord.c_str());
     if (!isPrivateFolder(folder))
         return false;
-    const std::optional<InputState> state = settledState(path);
+    const std::optional<InputState> state = settledInputState(path);
     if (state && writeRecord(newRecord, recordText(*state, path)) &&
         std::rename(newRecord.c_str(), (folder + recordName).c_str()) == 0)
         return true;

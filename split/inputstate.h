@@ -32,9 +32,13 @@ struct InputState
 /// That of the regular file that is open under the descriptor.
 [[nodiscard]] std::optional<InputState> inputState(int descriptor);
 
+/// The state of the file at the path, once it is one that every later write changes: a file that
+/// was written to a moment ago is waited for (some milliseconds), because the next write could
+/// still bear the same time.
+[[nodiscard]] std::optional<InputState> settledInputState(const std::string &path);
+
 /// Records the state of the input at the path, in place of what was recorded in the folder before.
-/// A file that was written to a moment ago is waited for (some milliseconds), because the next
-/// write could still bear the same time. Returns whether that worked; if not, nothing is recorded.
+/// The state is a settled one. Returns whether that worked; if not, nothing is recorded.
 /// The folder must be private: this user's, and not writable for others.
 [[nodiscard]] bool recordInputState(const std::string &folder, const std::string &path);
 

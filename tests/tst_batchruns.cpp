@@ -14,6 +14,8 @@
 #include <QTest>
 
 #include <csignal>
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -314,7 +316,12 @@ private slots:
         QTRY_VERIFY_WITH_TIMEOUT(secondsUsed(worker()) > inSecondPage, timeLimitMs);
         if (isWrittenTo) {
             QFile input(path("slow.pdf"));
+            struct stat before = {};
+            QCOMPARE(::stat("slow.pdf", &before), 0);
             QVERIFY(input.open(QIODevice::ReadWrite) && input.write("%") == 1);
+            input.close();
+            const timespec times[] = {before.st_atim, before.st_mtim}; // as copying programs do
+            QCOMPARE(::utimensat(AT_FDCWD, "slow.pdf", times, 0), 0);
         }
         QCOMPARE(::kill(worker(), SIGKILL), 0);
         QVERIFY(run->waitForFinished(timeLimitMs));
