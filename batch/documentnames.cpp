@@ -44,7 +44,7 @@ public:
             document.copy = ++lastCopy;
             return folder + QLatin1Char('/') + fileName(document);
         };
-        const QString result = firstFreePath(
+        QString result = firstFreePath(
             pathOfCopy, [&](const QString &candidate) { return isFree(candidate, number); });
         check(result, number);
         own.insert(keyOf(result));

@@ -38,7 +38,7 @@ void readList(const QString &source, QStringList &names, QStringList &undecodabl
     if (bytes.startsWith("\xff\xfe") || bytes.startsWith("\xfe\xff"))
         refuseList(source, QStringLiteral("is UTF-16, lists are UTF-8"));
     if (bytes.startsWith(byteOrderMark))
-        bytes.remove(0, qstrlen(byteOrderMark));
+        bytes.remove(0, static_cast<qsizetype>(qstrlen(byteOrderMark)));
     const bool hasLines = !bytes.contains('\0');
     for (QByteArray &entry : bytes.split(hasLines ? '\n' : '\0')) {
         if (hasLines && entry.endsWith('\r'))

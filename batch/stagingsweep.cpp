@@ -37,7 +37,7 @@ std::string numberOfStart()
 /// Whether nothing in the folder has changed for a day.
 bool isOld(const FolderDescriptor &folder, std::time_t now)
 {
-    constexpr std::time_t day = 24 * 60 * 60;
+    constexpr std::time_t day = 86400;
     struct stat status = {};
     if (::fstat(folder.get(), &status) != 0)
         return false;
@@ -52,8 +52,9 @@ void putBack(const FolderDescriptor &staging, const std::string &parent)
     const FolderDescriptor old(staging.get(), oldDocuments);
     if (!old.isOpen())
         return;
+    const FolderDescriptor folder(AT_FDCWD, (parent + "/.").c_str());
     for (const std::string &name : namesIn(old))
-        static_cast<void>(moveUnlessTaken({old.get(), name}, {AT_FDCWD, parent + '/' + name}));
+        static_cast<void>(moveUnlessTaken({old.get(), name}, {folder.get(), name}));
 }
 
 } // namespace

@@ -4,7 +4,7 @@
 // Loaded into a program before its other libraries (LD_PRELOAD), lets it see a poorer file system
 // than there is: without hard links and without a renaming that never replaces. In the environment
 //   POOR_NAME_MAX   the longest file name
-//   POOR_KILL       "process" or "group": what is killed before new/2.pdf is renamed over a file
+//   POOR_KILL       if not empty, the process group is killed before new/2.pdf replaces a file
 
 #include <cerrno>
 #include <csignal>
@@ -46,10 +46,10 @@ int rename(const char *old, const char *name) noexcept
 {
     const std::string_view path = old;
     const std::string_view end = "/new/2.pdf";
-    const char *victim = std::getenv("POOR_KILL");
-    if (victim && *victim != '\0' && path.size() > end.size() &&
+    const char *isWanted = std::getenv("POOR_KILL");
+    if (isWanted && *isWanted != '\0' && path.size() > end.size() &&
         path.substr(path.size() - end.size()) == end)
-        ::kill(std::strcmp(victim, "group") == 0 ? 0 : ::getpid(), SIGKILL);
+        ::kill(0, SIGKILL);
     return next<decltype(&rename)>("rename")(old, name);
 }
 
