@@ -114,7 +114,7 @@ private slots:
             staging = other;
         }
         if (row.endsWith("ago")) {
-            const timespec then = {::time(nullptr) - 2 * 24 * 60 * 60, 0};
+            const timespec then = {::time(nullptr) - 172800, 0};
             const timespec times[] = {then, then};
             for (const QString &name : {staging, staging + "/new"})
                 QCOMPARE(::utimensat(AT_FDCWD, qPrintable(name), times, 0), 0);
