@@ -4,12 +4,11 @@
 #pragma once
 
 #include "about/aboutdialog.h"
-#include "split/batchinputs.h"
+#include "split/fileowners.h"
 #include "split/filetrouble.h"
 #include "split/pageinfofile.h"
 #include "split/subtext.h"
 
-#include <QHash>
 #include <QPoint>
 #include <QPointer>
 #include <QStringList>
@@ -174,8 +173,8 @@ private:
     bool fetchingPageCounts = false;
     bool pageCountsStopped = false; ///< no count can be fetched any more
     PageInfoFile pageInfo;
-    QString pageInfoPath;       ///< of the count under way
-    QString pageCountComplaint; ///< of the tool that has counted last
+    QString pageInfoPath;                ///< of the count under way
+    QString pageCountComplaint;          ///< of the tool that has counted last
     QPointer<QWidget> focusBeforeCounts; ///< had the focus until the buttons were switched off
     QPointer<QWidget> focusDuringCounts; ///< got it then
 
@@ -192,17 +191,17 @@ private:
     QPointer<QNetworkReply> layoutReply;
     QString layoutFolder;       ///< where the current file's layouts are; empty when there is none
     QStringList earlierLayouts; ///< layout files of earlier files that are still to be removed
-    QPoint batchRule; ///< the rule's position when the batch began
+    QPoint batchRule;           ///< the rule's position when the batch began
     int ruleXpos = 0;
     int ruleYpos = 0;
     int ruleWid = 0;
     int ruleHei = 0;
     QString ruleText;
-    QStringList rangeList;                 ///< documents of the current file: page ranges
-    QStringList textList;                  ///< documents of the current file: texts that name them
-    int mergeIndex = 0;                    ///< next entry of rangeList to write
-    QString outputFile;                    ///< document started last
-    QHash<QString, QString> inputOfOutput; ///< documents of this batch and where they came from
-    BatchInputs inputs;
-    FileTrouble trouble; ///< with the current file
+    QStringList rangeList; ///< documents of the current file: page ranges
+    QStringList textList;  ///< documents of the current file: texts that name them
+    int mergeIndex = 0;    ///< next entry of rangeList to write
+    QString outputFile;    ///< document started last
+    FileOwners inputs;     ///< of this batch
+    FileOwners documents;  ///< written by this batch
+    FileTrouble trouble;   ///< with the current file
 };

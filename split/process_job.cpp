@@ -57,8 +57,8 @@ void Process::convertbegin()
 
 void Process::beginBatch()
 {
-    inputOfOutput.clear();
     inputs.clear();
+    documents.clear();
     // A verdict that is still there would look like one of this batch.
     for (int row = 0; row < fileCount; ++row)
         delete ui->inputfiletableWidget->takeItem(row, 3);
@@ -73,7 +73,7 @@ QStringList Process::splitPage()
     outputFile.clear();
     // Files can be added, but not moved or removed, while a batch runs.
     for (int row = inputs.count(); row < ui->inputfiletableWidget->rowCount(); ++row)
-        inputs.add(cellText(row, 0));
+        inputs.add(cellText(row, 0), cellText(row, 0));
     const QSettings settings(settingsFileName(), QSettings::IniFormat);
     const QString ruleName = ui->comboBox_rule->currentText();
     const Subtext rule = readRule(settings, ruleName);

@@ -61,11 +61,10 @@ QString Process::nextOutputPath()
         return outputPath(ui->outputfolderEdit->text(), document,
                           ui->comboBox_method->currentIndex());
     };
-    const QString path = firstFreePath(pathOfCopy, [&](const QString &candidate) {
-        return inputOfOutput.value(candidate, input) == input && !inputs.contains(candidate);
+    return firstFreePath(pathOfCopy, [&](const QString &candidate) {
+        const QString writer = documents.ownerOf(candidate);
+        return (writer.isEmpty() || writer == input) && inputs.ownerOf(candidate).isEmpty();
     });
-    inputOfOutput.insert(path, input);
-    return path;
 }
 
 /// The document being written, for people and log. Not by its name: that holds a text of its pages,
@@ -88,9 +87,11 @@ void Process::removeEarlierDocument(const QString &document)
 void Process::documentEnded(const QString &document, const QString &complaint)
 {
     const QString nameless = withoutName(complaint, outputFile);
-    if (QFileInfo(outputFile).isFile())
+    if (QFileInfo(outputFile).isFile()) {
+        documents.add(outputFile, cellText(fileIndex, 0));
         trouble.note(nameless);
-    else
+    } else {
         trouble.note(QLatin1String("Not written: ") + document +
                      (nameless.isEmpty() ? QString() : QLatin1String(". ") + nameless));
+    }
 }

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Sendrivo authors
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "split/batchinputs.h"
+#include "split/fileowners.h"
 
 #include "split/inputstate.h"
 
@@ -22,24 +22,28 @@ std::optional<Identity> identityOf(const QString &path)
 
 } // namespace
 
-void BatchInputs::add(const QString &path)
+void FileOwners::add(const QString &path, const QString &owner)
 {
     ++added;
     const auto identity = identityOf(path);
     if (!identity)
         return;
-    identities.insert(*identity);
-    paths.insert(QFileInfo(path).canonicalFilePath());
+    ownerOfIdentity.insert(*identity, owner);
+    ownerOfPath.insert(QFileInfo(path).canonicalFilePath(), owner);
 }
 
-void BatchInputs::clear()
+void FileOwners::clear()
 {
-    *this = BatchInputs();
+    *this = FileOwners();
 }
 
-bool BatchInputs::contains(const QString &path) const
+QString FileOwners::ownerOf(const QString &path) const
 {
     const auto identity = identityOf(path);
-    return identity &&
-           (identities.contains(*identity) || paths.contains(QFileInfo(path).canonicalFilePath()));
+    if (!identity)
+        return {};
+    const auto known = ownerOfIdentity.constFind(*identity);
+    // A file that was replaced has kept its place.
+    return known != ownerOfIdentity.cend() ? *known
+                                           : ownerOfPath.value(QFileInfo(path).canonicalFilePath());
 }
