@@ -46,6 +46,7 @@ struct BatchOptions
     ExistingFiles existing = ExistingFiles::Overwrite;
     DamagedFiles damaged = DamagedFiles::Fail;
     bool isDryRun = false;
+    bool isSynchronising = true;
     bool usesOutputOptions = false;
 
     QStringList inputs;
@@ -72,6 +73,7 @@ struct SplitPlan
     ExistingFiles existing = ExistingFiles::Overwrite;
     DamagedFiles damaged = DamagedFiles::Fail;
     bool isDryRun = false;
+    bool isSynchronising = true; ///< whether to wait until what is written is on the disk
     bool isResuming = false;
     std::optional<pdf::DocumentOptions> documentOptions;
     QString documentOptionsState; ///< differs when the file that they are from was changed

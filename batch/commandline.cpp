@@ -140,6 +140,8 @@ QList<Handler> outputHandlers()
                 [](O &o, V v) { o.damaged = damagedFiles(v[0]); }),
         flag("--output-options", "apply document information and passwords of the settings",
              &O::usesOutputOptions),
+        general("--no-sync", {}, "do not wait until documents are on the disk",
+                [](O &o, V) { o.isSynchronising = false; }),
         flag("--dry-run", "print what would be written and write nothing", &O::isDryRun),
     };
 }

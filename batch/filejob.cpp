@@ -3,6 +3,7 @@
 
 #include "batch/filejob.h"
 
+#include "batch/durability.h"
 #include "batch/pagetexts.h"
 #include "batch/sharedrecords.h"
 #include "batch/stagingfolder.h"
@@ -243,12 +244,19 @@ void publish(const SplitPlan &plan, pdf::Document &document, const UnchangedInpu
     }
     if (isDamaged && result.verdict != verdict::damaged && !setDamaged(plan, result, {brokenTable}))
         return;
+    // No name before its bytes: in place of an older document would else be nothing.
+    if (plan.isSynchronising)
+        syncFileSystemOf(folder);
     input.check();
     constexpr int attempts = 20;
     for (int i = 1; !publishAs(plan, staging, name, result); ++i) {
         // Another run took a name that was free a moment ago.
         if (plan.existing == ExistingFiles::Fail || i == attempts)
             throw Error(ExitCode::OutputUnwritable, "documents of their names exist already");
+    }
+    if (plan.isSynchronising) {
+        syncFolder(folder);
+        syncFolder(plan.outputFolder);
     }
 }
 

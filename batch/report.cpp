@@ -3,6 +3,7 @@
 
 #include "batch/report.h"
 
+#include "batch/durability.h"
 #include "pdf/error.h"
 
 #include <QDateTime>
@@ -76,6 +77,8 @@ Report::Report(const QString &reportPath, const SplitPlan &splitPlan, bool isRes
     if (file < 0)
         fail();
     refuseOtherFiles();
+    if (plan.isSynchronising && !plan.isDryRun)
+        syncFolder(QFileInfo(path).absolutePath());
     if (isResuming)
         read();
     else if (QFileInfo(path).isFile() && ::ftruncate(file, 0) != 0)
@@ -156,6 +159,9 @@ QStringList Report::append(const FileResult &result)
     // First: what a killed run has not removed has to be met again.
     const QStringList removed = earlierDocuments.replaceBy(result);
     write(QJsonDocument(reportEntry(result, plan)).toJson(QJsonDocument::Compact) + '\n');
+    // What is no file cannot be synchronised.
+    if (plan.isSynchronising && ::fdatasync(file) != 0 && errno != EINVAL && errno != EROFS)
+        fail();
     return removed;
 }
 

@@ -105,6 +105,7 @@ SplitPlan makePlan(const BatchOptions &options)
     plan.existing = options.existing;
     plan.damaged = options.damaged;
     plan.isDryRun = options.isDryRun;
+    plan.isSynchronising = options.isSynchronising;
     plan.isResuming = options.isResuming;
     if (options.usesOutputOptions) {
         plan.documentOptionsState = stateOf(options.settingsFile);

@@ -7,7 +7,7 @@ _sendrivo_batch()
 {
     local current=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]}
     local options="--rule --position --settings --tolerance --match --method --output --name
-        --existing --damaged --output-options --dry-run --files-from --jobs --report --resume --json --quiet --list-rules
+        --existing --damaged --output-options --no-sync --dry-run --files-from --jobs --report --resume --json --quiet --list-rules
         --fragments --save-rule --help --version"
     case $before in
     --rule)

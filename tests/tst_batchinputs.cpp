@@ -43,6 +43,8 @@ private slots:
     void verdicts_data();
     void verdicts();
     void completedLater();
+    void outlivesPowerCut_data();
+    void outlivesPowerCut();
 };
 
 namespace {
@@ -157,6 +159,42 @@ void TestBatchInputs::completedLater()
     writeFile("in.pdf", threePages().left(400));
     QVERIFY(batch(call()).exitCode != 0);
     QCOMPARE(namesIn(folder->filePath("out")).size(), 9);
+}
+
+void TestBatchInputs::outlivesPowerCut_data()
+{
+    QTest::addColumn<QString>("option");
+    QTest::addColumn<QString>("order");
+    QTest::newRow("usual") << "--quiet"
+                           << "fsync ., linkat 1.pdf, linkat 2.pdf, linkat 3.pdf, syncfs in, "
+                              "rename A.pdf, rename B.pdf, rename C.pdf, fsync in, fsync out, "
+                              "write report, fdatasync report, ";
+    QTest::newRow("no wait") << "--no-sync"
+                             << "linkat 1.pdf, linkat 2.pdf, linkat 3.pdf, "
+                                "rename A.pdf, rename B.pdf, rename C.pdf, write report, ";
+}
+
+/// No name before its bytes, no word of a document before its name.
+void TestBatchInputs::outlivesPowerCut()
+{
+#if defined(__SANITIZE_ADDRESS__)
+    QSKIP("sanitizers must be loaded first");
+#endif
+    QFETCH(QString, option);
+    writeFile("in.pdf", threePages());
+    qputenv("SENDRIVO_TEST_CALLS", "calls");
+    qputenv("LD_PRELOAD", SENDRIVO_TEST_CALLS);
+    const ToolResult result = batch(call({option, "--jobs=1"}));
+    qunsetenv("LD_PRELOAD");
+    QCOMPARE(result.exitCode, 0);
+    const QByteArray here = folder->path().toUtf8();
+    QByteArray order;
+    for (const QByteArray &line : readFile("calls").split('\n')) {
+        const QByteArray name = line.endsWith(here) ? "." : line.mid(line.lastIndexOf('/') + 1);
+        if (line.contains(here)) // and not on the way from one process to the other
+            order += line.left(line.indexOf(' ') + 1) + name + ", ";
+    }
+    QTEST(QString(order), "order");
 }
 
 SENDRIVO_TEST_MAIN(TestBatchInputs, QCoreApplication)
