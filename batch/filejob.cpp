@@ -192,6 +192,7 @@ void setVerdict(FileResult &result, const PageTexts &texts)
 {
     result.complaints = texts.complaints;
     result.pagesWithoutText = rangesOf(texts.pagesWithout);
+    result.pagesWithUnknownLetters = rangesOf(texts.pagesUnknown);
     result.verdict = verdict::done;
     if (!texts.pagesGivenUp.isEmpty()) {
         result.verdict = verdict::pagesGivenUp;
@@ -203,6 +204,9 @@ void setVerdict(FileResult &result, const PageTexts &texts)
     } else if (!texts.pagesWithout.isEmpty()) {
         // Such a page joins the document before it, whatever is on it.
         result.verdict = verdict::pagesWithoutTextLayer;
+    } else if (!texts.pagesUnknown.isEmpty()) {
+        // The documents are right, but no name tells what is in them.
+        result.verdict = verdict::unknownLetters;
     }
 }
 

@@ -44,6 +44,7 @@ QJsonObject toJson(const FileResult &result)
             {"cause", result.cause},
             {"complaints", QJsonArray::fromStringList(result.complaints)},
             {"pagesWithoutText", result.pagesWithoutText},
+            {"pagesWithUnknownLetters", result.pagesWithUnknownLetters},
             {"exitCode", static_cast<int>(result.exitCode)},
             {"seconds", result.seconds}};
 }
@@ -63,6 +64,7 @@ FileResult fromJson(const QJsonObject &object)
     for (const QJsonValue &complaint : object["complaints"].toArray())
         result.complaints.append(complaint.toString());
     result.pagesWithoutText = object["pagesWithoutText"].toString();
+    result.pagesWithUnknownLetters = object["pagesWithUnknownLetters"].toString();
     result.exitCode = static_cast<pdf::ExitCode>(object["exitCode"].toInt());
     result.seconds = object["seconds"].toDouble();
     return result;

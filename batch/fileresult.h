@@ -31,6 +31,7 @@ struct FileResult
     QString cause;          ///< why it failed, else empty
     QStringList complaints; ///< one for each page given up, and what is damaged
     QString pagesWithoutText;
+    QString pagesWithUnknownLetters;
     pdf::ExitCode exitCode = pdf::ExitCode::Done;
     double seconds = 0;
 
@@ -44,6 +45,7 @@ inline const QString noTextAtPosition = QStringLiteral("no text at the position"
 inline const QString noTextLayer = QStringLiteral("no text layer");
 inline const QString pagesWithoutTextLayer = QStringLiteral("pages without text layer");
 inline const QString damaged = QStringLiteral("damaged");
+inline const QString unknownLetters = QStringLiteral("letters without characters");
 inline const QString pagesGivenUp = QStringLiteral("pages given up");
 inline const QString failed = QStringLiteral("failed");
 } // namespace verdict

@@ -7,6 +7,7 @@
 #include "pdf/error.h"
 #include "pdf/layout/pageworkers.h"
 #include "pdf/layout/repairingreader.h"
+#include "pdf/layout/unknownglyphs.h"
 #include "split/layoutscan.h"
 
 #include <algorithm>
@@ -106,6 +107,8 @@ PageTexts readPageTexts(pdf::Document &document, const TextQuery &query, int wor
         if (record[0] == textFound) {
             text = toText(textOf(record));
             result.hasAnyAtPosition = true;
+            if (pdf::hasUnknownLetters(record.substr(1)))
+                result.pagesUnknown.append(index + 1);
         } else if (record[0] == pageIsEmpty) {
             result.pagesWithout.append(index + 1);
         } else if (record[0] == givenUp) {

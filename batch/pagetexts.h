@@ -17,6 +17,7 @@ struct PageTexts
     QStringList texts;       ///< for each page the deciding text, or noText()
     QList<int> pagesWithout; ///< pages (from 1) without any text, as scans are before OCR
     QList<int> pagesGivenUp; ///< pages (from 1) that could not be read and count as without text
+    QList<int> pagesUnknown; ///< pages (from 1) whose deciding text has letters without characters
     QStringList complaints;  ///< why, one entry for each page given up
     QList<int> pagesDamaged; ///< pages (from 1) whose contents could be decoded in part only
     bool isRepaired = false; ///< objects that pages need were not where the file says

@@ -8,6 +8,7 @@
 #include "pdf/error.h"
 #include "pdf/layout/layoutfile.h"
 #include "rules/rulestore.h"
+#include "split/plaintext.h"
 
 #include <QFile>
 #include <QJsonDocument>
@@ -89,7 +90,7 @@ void showFragments(const BatchOptions &options)
         else
             printLine(tableLine({QString::number(fragment.left), QString::number(fragment.top),
                                  QString::number(fragment.width), QString::number(fragment.height)},
-                                fragment.text));
+                                withoutControlCharacters(fragment.text)));
     }
 }
 

@@ -12,6 +12,7 @@
 #include "pdf/error.h"
 #include "rules/rulestore.h"
 #include "split/outputname.h"
+#include "split/plaintext.h"
 
 #include <QDateTime>
 #include <QFileInfo>
@@ -213,6 +214,8 @@ private:
             return result.cause;
         if (result.verdict == verdict::pagesWithoutTextLayer)
             return result.verdict + QLatin1String(": ") + result.pagesWithoutText;
+        if (result.verdict == verdict::unknownLetters)
+            return result.verdict + QLatin1String(" on pages ") + result.pagesWithUnknownLetters;
         return result.verdict;
     }
 
@@ -230,7 +233,9 @@ private:
     static void printPlanned(const FileResult &result)
     {
         for (const DocumentResult &document : result.documents)
-            printLine(QStringList{document.range, document.text, document.file}.join(u'\t'));
+            printLine(
+                QStringList{document.range, withoutControlCharacters(document.text), document.file}
+                    .join(u'\t'));
     }
 
     const BatchOptions &options;

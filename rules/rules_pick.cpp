@@ -4,6 +4,7 @@
 #include "rules/fragmentboxes.h"
 #include "rules/pagebutton.h"
 #include "rules/rules.h"
+#include "split/plaintext.h"
 #include "ui_rules.h"
 
 #include <QKeyEvent>
@@ -38,7 +39,7 @@ void Rules::drawlabels()
         box->setFlat(true);
         box->setAutoDefault(false);
         box->setStyleSheet(boxStyle);
-        box->setAccessibleName(fragment.text);
+        box->setAccessibleName(withoutControlCharacters(fragment.text));
         box->installEventFilter(this);
         box->show();
         connect(box, &PageButton::clicked, this, &Rules::textmessagebox);
@@ -120,7 +121,7 @@ void Rules::addtorules()
                                          .arg(currentRule.top)
                                          .arg(currentRule.width)
                                          .arg(currentRule.height)
-                                         .arg(currentRule.text));
+                                         .arg(withoutControlCharacters(currentRule.text)));
     hideRuleButton();
     ui->lineEdit_rule->setFocus();
     ui->lineEdit_rule->selectAll();

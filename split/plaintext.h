@@ -8,5 +8,6 @@
 /// `text`, which may come from a stranger's file, with a blank in place of every character that
 /// would make it look like something else: control characters (Unicode's category Cc, line ends
 /// among them), line and paragraph separators, the zero width space, and the marks that reverse the
-/// direction of what follows (U+202A to U+202E, U+2066 to U+2069). Its length stays the same.
+/// direction of what follows (U+202A to U+202E, U+2066 to U+2069). A letter whose character is not
+/// known (see pdf/layout/unknownglyphs.h) is shown as U+FFFD.
 [[nodiscard]] QString withoutControlCharacters(QString text);

@@ -242,6 +242,8 @@ private slots:
         row("one of two", {"--rule", "number", "bad.pdf", "in.pdf"}, 4, "bad.pdf");
         row("half a scan", {"--position", "1,1", "--tolerance", "900", "mixed.pdf"}, 0,
             "without text layer: 2-3");
+        row("no characters", {"--position", "40,121", "unknown.pdf"}, 0,
+            "letters without characters on pages 1-2");
         row("nothing there", {"--position", "1,1", "in.pdf"}, 0, "no text at the position");
         row("no settings", {"--position", "1,1", "--settings=x", "--output-options", "in.pdf"}, 2,
             "x: cannot be read");
@@ -266,6 +268,8 @@ private slots:
         writeFile(output->filePath("file"), "in the way");
         const QByteArray line = "0 0 m 9 9 l S";
         writeFile(path("mixed.pdf"), simplePdf({showText(30, 100, "text"), line, line}));
+        writeFile(path("unknown.pdf"),
+                  simplePdf({showText(30, 100, "\\001"), showText(30, 100, "\\002")}));
         encryptSamplePdf(path("in.pdf"), path("secret.pdf"), {"password"});
         if (!arguments.contains("--output"))
             arguments = QStringList{"--output", output->path()} + arguments;

@@ -21,6 +21,7 @@ private slots:
     void fragmentTexts();
     void rightToLeft_data();
     void rightToLeft();
+    void unknownLetters();
     void boxOfVerticalWriting();
     void cornerDoesNotDependOnText();
 };
@@ -84,11 +85,20 @@ QByteArray mappedPdf(const QByteArray &contents, const QByteArrayList &character
     });
 }
 
-QByteArray unknownGlyphPdf()
+/// A line in a font whose letters from code 1 on are drawings with names of its own.
+QByteArray drawingsPdf(const QByteArray &codes, const QByteArrayList &drawings)
 {
-    return pageWithFont("BT /F2 12 Tf 20 100 Td (Aa) Tj ET", [](PdfBuilder & /*file*/) {
-        return QByteArray("<< /Type /Font /Subtype /Type1 /BaseFont /Unknown /Encoding "
-                          "<< /Differences [97 /shape] >> >>");
+    return pageWithFont("BT /F2 12 Tf 20 100 Td (" + codes + ") Tj ET", [&](PdfBuilder &file) {
+        QByteArray names;
+        QByteArray procedures;
+        for (qsizetype i = 0; i < drawings.size(); ++i) {
+            const QByteArray name = "/drawing_" + QByteArray::number(i) + ' ';
+            names += name;
+            procedures += name + PdfBuilder::ref(file.addStream("1 0 d0 " + drawings[i])) + ' ';
+        }
+        return "<< /Type /Font /Subtype /Type3 /FontBBox [0 0 1 1] /FontMatrix [1 0 0 1 0 0] "
+               "/FirstChar 1 /LastChar 3 /Widths [1 1 1] /Encoding << /Differences [1 " +
+               names + "] >> /CharProcs << " + procedures + " >> >>";
     });
 }
 
@@ -326,15 +336,13 @@ void TestFragments::fragmentTexts_data()
         mappedPdf("BT /F2 12 Tf 20 100 Td [(b) 600 (a)] TJ ET", {"0131", "00B4"}),
         {QString::fromUtf8("í")});
     row("accent of its own", inHelvetica("(don\\264t \\250) Tj"), {QString::fromUtf8("don´t ¨")});
-    row("control characters", mappedPdf(mappedLine("abc"), {"0041", "0007", "0085"}),
-        {QString::fromUtf8("A\uFFFD")});
+    row("letters mapped to control characters",
+        mappedPdf(mappedLine("abcXb"), {"0041", "0007", "000C"}), {"AbcXb"});
     row("line separator", mappedPdf(mappedLine("abc"), {"0041", "2028", "0042"}), {"A B"});
-    row("lone surrogate", mappedPdf(mappedLine("ab"), {"0041", "D800"}),
-        {QString::fromUtf8("A\uFFFD")});
+    row("lone surrogate", mappedPdf(mappedLine("ab"), {"0041", "D800"}), {"Ab"});
     row("beyond the basic plane", mappedPdf(mappedLine("a"), {"D83DDE00"}),
         {QString::fromUtf8("😀")});
     row("direction marks", mappedPdf(mappedLine("abc"), {"0041", "200E", "0042"}), {"AB"});
-    row("a glyph that no table knows", unknownGlyphPdf(), {QString::fromUtf8("A\uFFFD")});
     row("downwards", verticalPdf("<00010002> Tj"), {QString::fromUtf8("日本")});
     row("stated text of a ligature", inHelvetica(stated("(fi)", "(x) Tj") + "(sh) Tj"), {"fish"});
     row("stated soft hyphen", inHelvetica("(co) Tj " + stated("<FEFF00AD>", "(!) Tj")), {"co-"});
@@ -404,6 +412,25 @@ void TestFragments::boxOfVerticalWriting()
     QCOMPARE(fragments.size(), std::size_t{1});
     QCOMPARE(QRect(fragments[0].left, fragments[0].top, fragments[0].width, fragments[0].height),
              QRect(125, 68, 16, 32));
+}
+
+void TestFragments::unknownLetters()
+{
+    const QByteArray square = "0 0 1 1 re f";
+    const QByteArray bar = "0 0 .2 1 re f";
+    const auto textOf = [](const QByteArray &bytes) { return textsOf(bytes).value(0); };
+    const QString one = textOf(drawingsPdf("\1", {square, bar}));
+    const QString other = textOf(drawingsPdf("\2", {square, bar}));
+    QVERIFY(!one.isEmpty() && !other.isEmpty() && one != other);
+    // As in another subset of the same font.
+    QCOMPARE(textOf(drawingsPdf("\1", {bar})), other);
+    QCOMPARE(textOf(drawingsPdf("\3\1\2\1\3\1", {square, bar, QByteArray()})),
+             one + other + one + ' ' + one);
+    // The picture of the name is another one in each font.
+    QVERIFY(textOf(drawingsPdf("\1", {"/Im Do", "/Im Do"})) !=
+            textOf(drawingsPdf("\2", {"/Im Do", "/Im Do"})));
+    // Codes that a font has no glyph for.
+    QVERIFY(textOf(inHelvetica("(\\001) Tj")) != textOf(inHelvetica("(\\002) Tj")));
 }
 
 void TestFragments::fragmentTexts()

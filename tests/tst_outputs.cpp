@@ -36,6 +36,8 @@ private slots:
         row("control characters",
             QString::fromUtf8("a\tb\x7f\x1f\u0085\u009b\u200b\u2028\u202e\u2066c"),
             "4 a b        c report 9-12.pdf");
+        row("letters without characters", QString::fromUtf8("A\U000F0001\U00100001\U000FFFFD"),
+            QString::fromUtf8("4 A\uFFFD\uFFFD report 9-12.pdf"));
         row("as long as fits", QString(237, 'x'), "4 " + QString(237, 'x') + " report 9-12.pdf");
         row("one byte too long", QString(238, 'x'), "4 " + QString(237, 'x') + " report 9-12.pdf");
         row("two-byte letters", QString(200, QChar(0x430)),

@@ -4,6 +4,7 @@
 #include "pdf/document/document.h"
 #include "pdf/layout/fragment.h"
 #include "pdf/layout/pagereader.h"
+#include "pdf/layout/unknownglyphs.h"
 #include "tests/support/pdfbuilder.h"
 #include "tests/support/privatefolders.h"
 
@@ -16,6 +17,9 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <map>
+#include <set>
+
 /// The same mail merge, made with many programs (see tests/producers/make.py): each field stands in
 /// one place on all of its pages and reads as it was written, whatever the letters before it are
 /// made of.
@@ -26,6 +30,7 @@ class TestProducers : public QObject
 private slots:
     void fieldsStayInPlace_data();
     void fieldsStayInPlace();
+    void lettersWithoutCharacters();
 };
 
 namespace {
@@ -63,6 +68,19 @@ void writeWithQt(const QString &path)
     }
 }
 
+using FragmentPages = std::vector<std::vector<pdf::Fragment>>;
+
+FragmentPages readPages(const QString &path)
+{
+    pdf::Document document(path.toStdString());
+    const pdf::ReadablePages pages(document);
+    pdf::PageReader reader(pages);
+    FragmentPages result;
+    for (int page = 0; page < pages.count(); ++page)
+        result.push_back(reader.fragments(page));
+    return result;
+}
+
 } // namespace
 
 void TestProducers::fieldsStayInPlace_data()
@@ -82,16 +100,14 @@ void TestProducers::fieldsStayInPlace()
         file = folder.filePath("qt.pdf");
         writeWithQt(file);
     }
-    pdf::Document document(file.toStdString());
-    const pdf::ReadablePages pages(document);
-    pdf::PageReader reader(pages);
+    const FragmentPages pages = readPages(file);
     const QList<QStringList> lines = fields();
-    QCOMPARE(pages.count(), lines.size());
+    QCOMPARE(static_cast<qsizetype>(pages.size()), lines.size());
     QSet<QPair<int, int>> corners[2];
     for (int page = 0; page < lines.size(); ++page) {
         const QStringList &line = lines[page];
         const QString texts[] = {line[0], isLatex ? line.last() : line[2]};
-        const std::vector<pdf::Fragment> fragments = reader.fragments(page);
+        const std::vector<pdf::Fragment> &fragments = pages[static_cast<std::size_t>(page)];
         for (int field = 0; field < 2; ++field) {
             const auto found = std::find_if(
                 fragments.begin(), fragments.end(), [&](const pdf::Fragment &fragment) {
@@ -103,6 +119,32 @@ void TestProducers::fieldsStayInPlace()
     }
     QCOMPARE(corners[0].size(), 1);
     QCOMPARE(corners[1].size(), 1);
+}
+
+void TestProducers::lettersWithoutCharacters()
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath("qt.pdf");
+    writeWithQt(path);
+    const FragmentPages known = readPages(path);
+    QByteArray bytes = readFile(path);
+    writeFile(path, bytes.replace("/ToUnicode", "/NoUnicode"));
+    const FragmentPages unknown = readPages(path);
+    QCOMPARE(unknown.size(), known.size());
+    std::map<std::string, std::string> textOf;
+    std::set<std::string> texts;
+    for (std::size_t page = 0; page < known.size(); ++page) {
+        QCOMPARE(unknown[page].size(), known[page].size());
+        for (std::size_t i = 0; i < known[page].size(); ++i) {
+            const pdf::Fragment &fragment = unknown[page][i];
+            QCOMPARE(QPoint(fragment.left, fragment.top),
+                     QPoint(known[page][i].left, known[page][i].top));
+            QVERIFY(pdf::hasUnknownLetters(fragment.text));
+            const auto [entry, isNew] = textOf.insert({known[page][i].text, fragment.text});
+            QCOMPARE(fragment.text, entry->second);
+            QCOMPARE(texts.insert(fragment.text).second, isNew);
+        }
+    }
 }
 
 SENDRIVO_TEST_MAIN(TestProducers, QGuiApplication)

@@ -34,7 +34,7 @@ private slots:
     void infoFile();
     void layoutFiles_data();
     void layoutFiles();
-    void missingFontIsTold();
+    void faultsOfFontsAreTold();
     void imageShowsThePage();
     void pageWithoutImageKeepsItsText();
     void earlierPagesTakeNoMemory();
@@ -338,19 +338,24 @@ void TestTools::layoutFiles()
     QCOMPARE(readFile(layoutPath(folder.path(), 4)), stale);
 }
 
-void TestTools::missingFontIsTold()
+void TestTools::faultsOfFontsAreTold()
 {
     const QTemporaryDir folder;
     const QString input = folder.filePath("in.pdf");
     // More pages than one process takes.
     QByteArray bytes = simplePdf(QByteArrayList(40, showText(20, 100, "page")));
-    for (const bool isMissing : {false, true}) {
-        writeFile(input, isMissing ? bytes.replace("/Helvetica", "/Dinosaurs") : bytes);
+    const auto complaints = [&](const QByteArray &before, const QByteArray &after) {
+        writeFile(input, bytes.replace(before, after));
         const ToolResult result = convertPages(input, folder.path(), {});
-        QCOMPARE(result.exitCode, 0);
-        QCOMPARE(result.errors.count('\n'), isMissing ? 1 : 0);
-        QCOMPARE(result.errors.contains(" font Dinosaurs;"), isMissing);
-    }
+        return result.exitCode == 0 ? result.errors : "failed: " + result.errors;
+    };
+    QCOMPARE(complaints("page", "page"), QByteArray());
+    const QByteArray unknown = complaints("page", "pag\001");
+    QCOMPARE(unknown.count('\n'), 1);
+    QVERIFY(unknown.contains("has letters without characters;"));
+    const QByteArray missing = complaints("/Helvetica", "/Dinosaurs");
+    QCOMPARE(missing.count('\n'), 2);
+    QVERIFY(missing.contains(" font Dinosaurs;"));
 }
 
 void TestTools::imageShowsThePage()

@@ -41,7 +41,7 @@ char32_t printable(char32_t c)
 {
     if (c == 0xAD)
         return hyphen;
-    return c < 0x20 || (c >= 0x7F && c <= 0x9F) ? replacement : c;
+    return isControl(c) ? replacement : c;
 }
 
 void appendDecomposed(std::u32string &text, char32_t c)

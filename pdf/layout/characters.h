@@ -17,6 +17,12 @@ namespace pdf {
 /// Whether the character is a blank of any kind or width, also a tab or a line separator.
 [[nodiscard]] bool isBlank(char32_t character);
 
+/// Whether the character is a control character, which no page shows.
+[[nodiscard]] inline bool isControl(char32_t character)
+{
+    return character < 0x20 || (character >= 0x7F && character <= 0x9F);
+}
+
 /// Whether the character leaves no trace on the page and means nothing in a name: zero-width
 /// blanks, byte order marks, marks of the writing direction.
 [[nodiscard]] bool isDropped(char32_t character);

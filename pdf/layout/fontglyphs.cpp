@@ -59,6 +59,15 @@ bool isMissing(fz_context *context, const pdf_font_desc *description)
             pdf_clean_font_name(name) == name);
 }
 
+/// Whether the document's tables state nothing: no character, or one that stands for none.
+bool isNoCharacter(const int *characters, int count)
+{
+    const int first = characters[0];
+    return count == 0 ||
+           (count == 1 && (first == 0 || first == FZ_REPLACEMENT_CHARACTER ||
+                           (first >= 0xD800 && first <= 0xDFFF) || (first & 0xFFFE) == 0xFFFE));
+}
+
 /// Leaves what is read of several characters: none without a trace, one blank between others, and
 /// the letter before its marks, wherever the font's map puts it.
 void tidy(FontGlyph &entry)
@@ -77,7 +86,8 @@ void tidy(FontGlyph &entry)
 FontGlyphs::FontGlyphs(fz_context *usedContext, pdf_font_desc *usedFont)
     : context(usedContext), description(usedFont),
       hasByteCodes(readsSingleBytes(usedFont->encoding)), entries(byteCodes),
-      em(letterSize(usedContext, usedFont)), boxHeight(roundedSize(em))
+      em(letterSize(usedContext, usedFont)), boxHeight(roundedSize(em)),
+      unknownGlyphs(usedContext, usedFont)
 {
     pdf_keep_font(context, description);
 }
@@ -105,7 +115,7 @@ const FontGlyph &FontGlyphs::lookUp(std::string_view string)
     return entry;
 }
 
-void FontGlyphs::fill(FontGlyph &entry) const
+void FontGlyphs::fill(FontGlyph &entry)
 {
     constexpr double unitsPerEm = 1000;
     const int cid = pdf_lookup_cmap(description->encoding, entry.code);
@@ -132,26 +142,39 @@ void FontGlyphs::fill(FontGlyph &entry) const
     fillCharacters(entry, cid);
 }
 
-void FontGlyphs::fillCharacters(FontGlyph &entry, int cid) const
+void FontGlyphs::fillCharacters(FontGlyph &entry, int cid)
 {
     int characters[PDF_MRANGE_CAP] = {};
     int count = 0;
     if (description->to_unicode != nullptr)
         count =
             pdf_lookup_cmap_full(description->to_unicode, static_cast<unsigned>(cid), characters);
-    if (count == 0 && static_cast<std::size_t>(cid) < description->cid_to_ucs_len) {
+    const bool isFromEncoding = isNoCharacter(characters, count) &&
+                                static_cast<std::size_t>(cid) < description->cid_to_ucs_len;
+    if (isFromEncoding) {
         characters[0] = description->cid_to_ucs[cid];
-        count = 1;
-    }
-    if (count == 0 || (count == 1 && characters[0] == 0)) {
-        characters[0] = FZ_REPLACEMENT_CHARACTER;
         count = 1;
     }
     for (int i = 0; i < count; ++i)
         entry.characters[i] = static_cast<char32_t>(characters[i]);
     entry.count = count;
-    if (count > 1)
+    const bool isStated = !isNoCharacter(characters, count);
+    const bool isControlled = count == 1 && isControl(entry.characters[0]);
+    // Subsets that number their letters from 1 on have one at the code of the blank.
+    const bool isNumbered =
+        isFromEncoding && entry.characters[0] == ' ' && description->is_embedded;
+    if (!isStated || isControlled || isNumbered) {
+        char32_t read[2] = {};
+        int known = unknownGlyphs.read(entry.glyph, read);
+        if (known == 0 && !isStated)
+            known = unknownGlyphs.readCode(entry.code, read);
+        if (known > 0) {
+            std::copy(read, read + known, entry.characters);
+            entry.count = known;
+        }
+    } else if (count > 1) {
         tidy(entry);
+    }
 }
 
 FontGlyphs *FontStore::glyphs(pdf_font_desc *font)

@@ -3,6 +3,8 @@
 
 #pragma once
 
+#include "pdf/layout/unknownglyphs.h"
+
 #include <memory>
 #include <mupdf/fitz.h>
 #include <mupdf/pdf.h>
@@ -25,7 +27,8 @@ struct FontGlyph
     double originX = 0;      ///< vertical writing: from the glyph's origin to the pen
     double originY = 0;
     int count = 0;                       ///< characters
-    char32_t characters[PDF_MRANGE_CAP]; ///< several for a ligature, no two blanks in a row
+    char32_t characters[PDF_MRANGE_CAP]; ///< several for a ligature, no two blanks in a row; see
+                                         ///< UnknownGlyphs, too
 };
 
 /// The glyphs of a font by their codes. Each is asked for once: a page shows the same fifty letters
@@ -46,7 +49,7 @@ public:
     [[nodiscard]] double boxSize() const { return boxHeight; }
 
     /// The glyph that the string starts with, which must not be empty. Valid until the next call.
-    /// Throws MuPDF exceptions only.
+    /// Throws std::bad_alloc and MuPDF exceptions.
     [[nodiscard]] const FontGlyph &first(std::string_view string)
     {
         if (hasByteCodes) {
@@ -59,8 +62,8 @@ public:
 
 private:
     const FontGlyph &lookUp(std::string_view string);
-    void fill(FontGlyph &entry) const;
-    void fillCharacters(FontGlyph &entry, int cid) const;
+    void fill(FontGlyph &entry);
+    void fillCharacters(FontGlyph &entry, int cid);
 
     fz_context *context;
     pdf_font_desc *description;
@@ -68,6 +71,7 @@ private:
     std::vector<FontGlyph> entries; ///< at the remainder of the code by their count
     double em;
     double boxHeight;
+    UnknownGlyphs unknownGlyphs;
 };
 
 /// The fonts that a document's pages use, with what is known of their glyphs.

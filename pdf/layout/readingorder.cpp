@@ -3,6 +3,8 @@
 
 #include "pdf/layout/readingorder.h"
 
+#include "pdf/layout/unknownglyphs.h"
+
 #include <mupdf/ucdn.h>
 
 #include <algorithm>
@@ -18,6 +20,8 @@ enum class Kind { Left, Right, Number, Separator, NumberSign, Neutral };
 /// currencies are no part of a number (Unicode Annex 9, rule W2).
 Kind kindOf(char32_t c, bool isArabic)
 {
+    if (isUnknownLetter(c))
+        return Kind::Neutral;
     switch (ucdn_get_bidi_class(c)) {
     case UCDN_BIDI_CLASS_L:
         return Kind::Left;

@@ -13,6 +13,7 @@
 #include "pdf/layout/layoutfile.h"
 #include "pdf/layout/pageworkers.h"
 #include "pdf/layout/repairingreader.h"
+#include "pdf/layout/unknownglyphs.h"
 #include "tools/toolmain.h"
 
 #include <algorithm>
@@ -128,6 +129,19 @@ void removeEarlierPages(const Request &request)
     }
 }
 
+/// Whether the text has letters without characters among others. One that stands alone is the mark
+/// of a check box or an icon, which many forms have.
+bool hasUnreadableWord(std::string_view text)
+{
+    constexpr std::size_t loneBytes = 8; // of two private characters in UTF-8
+    for (std::size_t end = 0; !text.empty(); text.remove_prefix(std::min(end + 1, text.size()))) {
+        end = std::min(text.find(' '), text.size());
+        if (end > loneBytes && pdf::hasUnknownLetters(text.substr(0, end)))
+            return true;
+    }
+    return false;
+}
+
 /// Converts the pages of one request in worker processes.
 class Conversion
 {
@@ -186,8 +200,10 @@ private:
         const PageFiles files(request.outputStem, index + 1);
         const int page = first - 1 + index;
         // First, so that it is there also when the image cannot be drawn.
-        pdf::writeOutputFile(files.layout, pdf::layoutFileText(reader->fragments(page)));
+        const std::vector<pdf::Fragment> fragments = reader->fragments(page);
+        pdf::writeOutputFile(files.layout, pdf::layoutFileText(fragments));
         tellMissingFont();
+        tellUnknownLetters(fragments);
         if (request.hasRange())
             pdf::writeOutputFile(files.image, reader->image(page));
     }
@@ -202,8 +218,22 @@ private:
                                           pdf::singleLineUtf8(font) + "; another one stands in");
     }
 
+    /// Nor is this: the texts tell such letters apart, but nobody can read them in a name.
+    void tellUnknownLetters(const std::vector<pdf::Fragment> &fragments)
+    {
+        const auto isUnreadable = [](const pdf::Fragment &fragment) {
+            return hasUnreadableWord(fragment.text);
+        };
+        if (std::any_of(fragments.begin(), fragments.end(), isUnreadable) &&
+            !hasToldUnknownLetters->exchange(true))
+            printFailure("quillrend", request.input +
+                                          ": has letters without characters; names will show each "
+                                          "of them as \xEF\xBF\xBD");
+    }
+
     const Request &request;
     pdf::SharedMemory<std::atomic<bool>> hasToldMissingFont; ///< one of the workers has
+    pdf::SharedMemory<std::atomic<bool>> hasToldUnknownLetters;
     pdf::ReadablePages pages;
     std::unique_ptr<pdf::RepairingReader> reader;
     int first = 1;
