@@ -223,6 +223,17 @@ void TestFragments::fragmentTexts_data()
                    showText(38.5, 100, "two", 10)}),
         {"one two three"});
     row("spaced letters", inHelvetica("3 Tc (INVOICE) Tj"), {"INVOICE"});
+    row("spaced letters with a tight pair",
+        inHelvetica("[(\\() -300 (1) -300 (7) -300 (\\)) -300 (-) (B) -300 (/) -300 (1)] TJ"),
+        {"(17)-B/1"});
+    row("single letters parted by movements", inHelvetica("[(A) -278 (1) -278 (B2)] TJ"),
+        {"A 1 B2"});
+    row("dots that lead to a number",
+        inHelvetica("[(3.2) -278 (On) -300 (.) -300 (.) -300 (.) -300 (.) -300 (.) -300 (7)] TJ"),
+        {"3.2 On . . . . . 7"});
+    row("a label beside single letters",
+        simplePdf({showText(20, 100, "Number", 10) + showText(66, 100, "V A 3", 10)}),
+        {"Number", "V A 3"});
     row("spaced letters of two words", inHelvetica("3 Tc (TAX INVOICE) Tj"), {"TAX INVOICE"});
     row("stretched word spaces", inHelvetica("4 Tw (a justified line) Tj"), {"a justified line"});
     row("tight word spaces", inHelvetica("-0.8 Tw (a tight line) Tj"), {"a tight line"});

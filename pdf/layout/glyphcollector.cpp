@@ -94,7 +94,8 @@ void GlyphCollector::show(const TextAxes &axes, const ShownGlyph &glyph)
             showBlank(axes, glyph);
         } else {
             const double end = runs.back().end();
-            runs.back().append({end, end, glyph.character, std::exchange(hasBlank, false), true});
+            runs.back().append(
+                PlacedGlyph{end, end, glyph.character, std::exchange(hasBlank, false), true});
         }
         return;
     }
@@ -158,7 +159,7 @@ void GlyphCollector::addMark(const Baseline &line, double middle, char32_t mark)
 {
     GlyphRun run;
     run.line = line;
-    run.append({middle, middle, mark, false, false});
+    run.append(PlacedGlyph{middle, middle, mark, false, false});
     marks.push_back(std::move(run));
 }
 
@@ -292,7 +293,8 @@ void GlyphCollector::replace(const GlyphRun &shown)
                 return;
             isFirst = false;
         } else if (!isDropped(c)) {
-            runs.back().append({whole.end, whole.end, c, std::exchange(hasBlank, false), true});
+            runs.back().append(
+                PlacedGlyph{whole.end, whole.end, c, std::exchange(hasBlank, false), true});
         }
     }
 }

@@ -4,6 +4,7 @@
 #include "pdf/layout/glyphrun.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <string_view>
 
@@ -45,9 +46,6 @@ void GlyphRun::append(const PlacedGlyph &glyph)
     } else if (!glyph.isContinuation) {
         PlacedGlyph &last = glyphs.back();
         last.end = std::clamp(glyph.start, last.start, last.end);
-        const double gap = glyph.start - last.end;
-        smallestGap = gaps == 0 ? gap : std::min(smallestGap, gap);
-        ++gaps;
     }
     glyphs.push_back(glyph);
 }
@@ -94,9 +92,25 @@ bool GlyphRun::takesMark(const GlyphRun &mark)
 
 double GlyphRun::letterSpacing() const
 {
-    // Two letters with a distance are two words as likely as a spaced heading.
-    constexpr int fewestGaps = 2;
-    return gaps < fewestGaps ? 0 : std::max(0.0, smallestGap);
+    // Two letters with a distance are two words as likely as a spaced heading. What blanks take
+    // says nothing, nor what dots that lead to a page number keep. The lower quartile, because
+    // spaced letters may have a tight pair among them ("-B"), while short words that only
+    // movements part ("A 1 of 2") have more tight pairs than that.
+    constexpr std::size_t fewestGaps = 2;
+    constexpr std::size_t mostGaps = 63; // enough to tell, and long lines take no longer
+    std::array<double, mostGaps> gaps;
+    std::size_t count = 0;
+    for (std::size_t i = 1; i < glyphs.size() && count < mostGaps; ++i) {
+        const PlacedGlyph &glyph = glyphs[i];
+        const bool isLeader = glyph.character == '.' && glyphs[i - 1].character == '.';
+        if (!glyph.isContinuation && !glyph.hasBlankBefore && !isLeader)
+            gaps[count++] = glyph.start - glyphs[i - 1].end;
+    }
+    if (count < fewestGaps)
+        return 0;
+    const auto quartile = gaps.begin() + static_cast<std::ptrdiff_t>(count / 4);
+    std::nth_element(gaps.begin(), quartile, gaps.begin() + static_cast<std::ptrdiff_t>(count));
+    return std::max(0.0, *quartile);
 }
 
 double GlyphRun::widestGap(bool hasBlank) const

@@ -57,8 +57,8 @@ public:
     /// line does. Kerning goes back a little; where a font states wider letters than the producer
     /// reckoned with, the next letter starts inside the last one.
     [[nodiscard]] bool isFollowedFrom(double start, bool hasBlankBefore) const;
-    /// Spacing that the run has between all its letters, in pixels, 0 in ordinary text: the
-    /// smallest distance between neighbours, once there are enough of them to tell.
+    /// Spacing that the run has between its letters, in pixels, 0 in ordinary text: what nearly all
+    /// neighbours without a blank between them keep, once there are enough of them to tell.
     [[nodiscard]] double letterSpacing() const;
     /// Widest distance between neighbours within one fragment, in pixels. It is wider where a blank
     /// is shown between them than where nothing but the distance says that there are two words.
@@ -71,9 +71,6 @@ public:
 
 private:
     [[nodiscard]] bool endsSentence() const;
-
-    double smallestGap = 0;
-    int gaps = 0;
 };
 
 } // namespace pdf

@@ -208,10 +208,12 @@ bool isContinuedBy(const GlyphRun &run, const GlyphRun &next)
     const double larger = std::max(run.line.size, next.line.size);
     const double smaller = std::min(run.line.size, next.line.size);
     const bool hasBlank = next.glyphs.front().hasBlankBefore;
-    const bool isNear =
-        next.start() - run.end() <= std::max(run.widestGap(hasBlank), next.widestGap(hasBlank));
-    return larger <= largestSizeRatio * smaller && isNear &&
-           (run.isFollowedFrom(next.start(), hasBlank) || next.start() > run.end());
+    const double gap = next.start() - run.end();
+    const auto isNear = [&] {
+        return gap > 0 && gap <= std::max(run.widestGap(hasBlank), next.widestGap(hasBlank));
+    };
+    return larger <= largestSizeRatio * smaller &&
+           (run.isFollowedFrom(next.start(), hasBlank) || isNear());
 }
 
 Lines joinLines(std::vector<GlyphRun> runs)
