@@ -22,6 +22,7 @@ constexpr char textFound = 'T';    ///< the deciding text
 constexpr char nothingThere = 'N'; ///< nothing: the page has text, but none at the position
 constexpr char pageIsEmpty = 'E';  ///< nothing: the page has no text at all
 constexpr char givenUp = 'G';      ///< the cause
+constexpr char matchFailed = 'M';  ///< nothing: the expression could not be matched to the end
 
 constexpr char isSound = '-';
 constexpr char isRepaired = 'R'; ///< objects were not where the file says
@@ -77,10 +78,14 @@ std::string pageRecord(pdf::RepairingReader &reader, int index, const TextQuery 
                                                    : isSound;
     if (fragments.empty())
         return {pageIsEmpty, state};
-    const QString text = queriedText(fragments, query);
-    if (text == noText())
-        return {nothingThere, state};
-    return std::string{textFound, state} + text.toStdString();
+    try {
+        const QString text = queriedText(fragments, query);
+        if (text == noText())
+            return {nothingThere, state};
+        return std::string{textFound, state} + text.toStdString();
+    } catch (const MatchLimit &) {
+        return {matchFailed, state};
+    }
 }
 
 QString toText(std::string_view bytes)
@@ -116,6 +121,11 @@ PageTexts readPageTexts(pdf::Document &document, const TextQuery &query, int wor
             result.complaints.append(QStringLiteral("page %1: given up: %2")
                                          .arg(QString::number(index + 1), toText(textOf(record))));
         }
+        // Another page could begin a document here: without knowing that, none is right.
+        if (record[0] == matchFailed)
+            throw pdf::Error(pdf::ExitCode::InputUnreadable,
+                             "page " + std::to_string(index + 1) +
+                                 ": --match takes too many steps for a text of it");
         if (record[1] == isDamaged)
             result.pagesDamaged.append(index + 1);
         result.isRepaired = result.isRepaired || record[1] == isRepaired;

@@ -17,6 +17,8 @@ QString countingText(const pdf::Fragment &fragment, const QRegularExpression &ma
     QString text = QString::fromStdString(fragment.text);
     if (!match.pattern().isEmpty()) {
         const QRegularExpressionMatch found = match.match(text);
+        if (!found.isValid())
+            throw MatchLimit();
         if (!found.hasMatch())
             return {};
         if (match.captureCount() > 0)

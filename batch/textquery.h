@@ -8,6 +8,7 @@
 #include <QRegularExpression>
 #include <QString>
 
+#include <exception>
 #include <vector>
 
 /// Which text of a page decides.
@@ -18,6 +19,11 @@ struct TextQuery
     int tolerancePx = 0; ///< how far, in each direction, the corner may be away
     /// What a text, as a person sees it, must match to count; empty: anything counts.
     QRegularExpression match;
+};
+
+/// A text takes the expression more steps than the engine makes: whether it matches is not known.
+class MatchLimit : public std::exception
+{
 };
 
 /// The text that decides for a page with these fragments, or noText(). Among several fragments

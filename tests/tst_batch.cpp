@@ -244,6 +244,9 @@ private slots:
             "without text layer: 2-3");
         row("no characters", {"--position", "40,121", "unknown.pdf"}, 0,
             "letters without characters on pages 1-2");
+        row("expression without end",
+            {"--position", "1,1", "--tolerance", "900", "--match", "^(a+)+$", "long.pdf"}, 3,
+            "long.pdf: page 2: --match takes too many steps");
         row("nothing there", {"--position", "1,1", "in.pdf"}, 0, "no text at the position");
         row("no settings", {"--position", "1,1", "--settings=x", "--output-options", "in.pdf"}, 2,
             "x: cannot be read");
@@ -267,6 +270,9 @@ private slots:
         QFile::copy("in.pdf", "in/2 INV-2 in 3-5.pdf");
         writeFile(output->filePath("file"), "in the way");
         const QByteArray line = "0 0 m 9 9 l S";
+        const QByteArray manyWays = QByteArray(40, 'a') + "b";
+        writeFile(path("long.pdf"),
+                  simplePdf({showText(30, 100, "a"), showText(30, 100, manyWays, 6)}));
         writeFile(path("mixed.pdf"), simplePdf({showText(30, 100, "text"), line, line}));
         writeFile(path("unknown.pdf"),
                   simplePdf({showText(30, 100, "\\001"), showText(30, 100, "\\002")}));
