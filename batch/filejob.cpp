@@ -91,6 +91,7 @@ void writePart(const SplitPlan &plan, pdf::Document &document,
     work.pageCount = count;
     work.workerCount = std::clamp(workers, 1, count);
     work.secondsPerPage = pdf::documentTimeLimitSeconds;
+    work.secondsInAll = pdf::allResultsTimeLimitSeconds(count);
     work.permissions.writableFolders = {
         pdf::folderOf(QFile::encodeName(staging.pathOf(0)).toStdString())};
     work.startWorker = [&]() -> std::function<void(int)> {

@@ -57,6 +57,7 @@ void workInProcesses(pdf::Document &document, SharedRecords &records, int pageCo
     pdf::PageWork work;
     work.pageCount = pageCount;
     work.workerCount = workers;
+    work.secondsInAll = pdf::allTextsTimeLimitSeconds(pageCount);
     work.startWorker = [&]() -> std::function<void(int)> {
         reader = std::make_unique<pdf::RepairingReader>(pages);
         return [&](int index) { convert(*reader, index); };

@@ -15,6 +15,7 @@
 #include <cstdint>
 #include <ctime>
 #include <fcntl.h>
+#include <linux/futex.h>
 #include <memory>
 #include <stdexcept>
 #include <sys/mman.h>
@@ -106,6 +107,13 @@ void loop()
     }
 }
 
+/// By a call that is not forbidden; for ever without a time.
+void standStill(const timespec *time)
+{
+    const std::uint32_t nobodyChangesIt = 0;
+    ::syscall(SYS_futex, &nobodyChangesIt, FUTEX_WAIT, 0U, time);
+}
+
 /// Without end unless the argument is 0, which the compiler does not know.
 int recurse(int depth) // NOLINT(misc-no-recursion)
 {
@@ -164,6 +172,8 @@ void TestSupervision::pages_data()
         "deep recursion", [] { recurse(::getpid()); }, "crashes the reader");
     lost("endless loop", loop, "takes too long");
     lost(
+        "endless wait", [] { standStill(nullptr); }, "takes too long");
+    lost(
         "error", [] { throw pdf::Error(pdf::ExitCode::InputUnreadable, "damaged"); }, "damaged");
     lost(
         "exception of a library", [] { throw std::runtime_error("odd"); }, "odd");
@@ -172,6 +182,16 @@ void TestSupervision::pages_data()
 #if !defined(__SANITIZE_ADDRESS__)
     lost("memory bomb", takeMemory, "needs too much memory");
 #endif
+    const Act waitAWhile = [] {
+        const timespec halfASecond = {0, 500 * 1000 * 1000};
+        for (int i = 0; i < 4; ++i)
+            standStill(&halfASecond);
+    };
+    QTest::newRow("slow disk") << nothing << waitAWhile << 0
+                               << QStringList{"done 0", "done 1", "done 2", "done 3"};
+    QTest::newRow("endless loop, too long in all")
+        << nothing << Act(loop) << 3
+        << QStringList{"-1: takes too long to read, given up", "done 0"};
     const Act reachOut = [] {
         if (::socket(AF_INET, SOCK_STREAM, 0) < 0)
             throw pdf::Error(pdf::ExitCode::InputUnreadable, "is confined");
@@ -197,8 +217,9 @@ void TestSupervision::pages()
     const Lines written;
     pdf::PageWork work;
     work.pageCount = 4;
-    if (lines.contains("1: takes too long"))
-        work.secondsPerPage = 1;
+    work.secondsPerPage = QByteArray(QTest::currentDataTag()).contains("in all") ? 20 : 1;
+    work.secondsInAll = 2;
+    work.secondsOfStall = 1;
     work.startWorker = [&]() -> std::function<void(int)> {
         resetSignals();
         atStart();
@@ -224,7 +245,7 @@ void TestSupervision::stoppedMeanwhile()
         ::setpgid(0, 0);
         pdf::PageWork work;
         work.pageCount = 1;
-        work.secondsPerPage = 2;
+        work.secondsOfStall = 2;
         work.startWorker = []() -> std::function<void(int)> {
             return [](int) {
                 while (std::clock() < CLOCKS_PER_SEC / 3) {

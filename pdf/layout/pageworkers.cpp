@@ -12,9 +12,11 @@
 #include <chrono>
 #include <csignal>
 #include <cstring>
+#include <ctime>
 #include <new>
 #include <optional>
 #include <sched.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <utility>
@@ -44,11 +46,44 @@ constexpr int starting = -1;
 constexpr int betweenPages = -2;
 constexpr int condemned = -3; ///< its page took too long, whatever becomes of it now
 
+constexpr long long nanosecondsPerSecond = 1000LL * 1000 * 1000;
+
+/// Processor time that a process has used so far, 0 when that is not known.
+long long nanosecondsUsed(clockid_t clock)
+{
+    timespec used = {};
+    return ::clock_gettime(clock, &used) == 0 ? used.tv_sec * nanosecondsPerSecond + used.tv_nsec
+                                              : 0;
+}
+
+long long nanosecondsUsedBy(pid_t process)
+{
+    clockid_t clock = 0;
+    return ::clock_getcpuclockid(process, &clock) == 0 ? nanosecondsUsed(clock) : 0;
+}
+
+/// That of the processes that this one has waited for.
+long long nanosecondsOfEnded()
+{
+    rusage used = {};
+    ::getrusage(RUSAGE_CHILDREN, &used);
+    return (used.ru_utime.tv_sec + used.ru_stime.tv_sec) * nanosecondsPerSecond +
+           (used.ru_utime.tv_usec + used.ru_stime.tv_usec) * 1000LL;
+}
+
 /// What one worker is at, written by the worker unless it is condemned.
 struct Slot
 {
     std::atomic<int> page{starting};
-    std::atomic<long long> sinceMs{0}; ///< on the board's clock
+    std::atomic<long long> usedBeforeNs{0}; ///< processor time before it came to that
+};
+
+/// What the supervisor has seen of a worker.
+struct Watched
+{
+    pid_t process = 0; ///< 0 when there is none
+    long long usedNs = 0;
+    long long movedMs = 0; ///< when it last used the processor, on the supervisor's clock
 };
 
 /// The state that all processes share.
@@ -56,9 +91,6 @@ struct Board
 {
     std::atomic<int> nextPage{0};
     std::atomic<bool> hasGivenUp{false};
-    /// Time since the start. It stands still while the processes are stopped, so that this makes no
-    /// page late.
-    std::atomic<long long> clockMs{0};
     std::atomic<int> ending{0}; ///< exit code of what ended the whole work, 0 while it goes on
     Slot slots[maximalWorkers];
 };
@@ -103,11 +135,13 @@ public:
         startAll();
         for (long long lastLook = millisecondsNow(); running > 0;) {
             if (!signal.wait())
-                killAll(errno);
+                killAll(std::strerror(errno));
             const long long now = millisecondsNow();
-            board->clockMs += std::min(now - std::exchange(lastLook, now), longestWaitMs);
+            clockMs += std::min(now - std::exchange(lastLook, now), longestWaitMs);
             for (int i = 0; i < count; ++i)
                 look(i);
+            if (work.secondsInAll > 0 && usedInAll() > work.secondsInAll * nanosecondsPerSecond)
+                killAll(causeOfEnd(SIGPROF));
         }
         if (board->ending != 0)
             return static_cast<ExitCode>(board->ending.load());
@@ -134,14 +168,23 @@ private:
         }
     }
 
-    /// Without waits the only other way would be to ask all the time.
-    void killAll(int error)
+    /// Ends the work at once, because it takes too long or there is no waiting for it: the only
+    /// other way would be to ask all the time.
+    void killAll(const std::string &cause)
     {
-        end(ExitCode::InputUnreadable, std::strerror(error));
-        for (const pid_t process : processes) {
-            if (process > 0)
-                ::kill(process, SIGKILL);
+        end(ExitCode::InputUnreadable, cause);
+        for (const Watched &worker : watched) {
+            if (worker.process > 0)
+                ::kill(worker.process, SIGKILL);
         }
+    }
+
+    [[nodiscard]] long long usedInAll() const
+    {
+        long long used = nanosecondsOfEnded() - usedAtStartNs;
+        for (const Watched &worker : watched)
+            used += worker.process > 0 ? worker.usedNs : 0;
+        return used;
     }
 
     /// Returns false, with the cause in errno, when there is no further process.
@@ -149,11 +192,11 @@ private:
     {
         Slot &slot = board->slots[worker];
         slot.page = starting;
-        slot.sinceMs = board->clockMs.load();
+        slot.usedBeforeNs = 0;
         const pid_t process = forkBound();
         if (process == 0)
             beWorker(slot);
-        processes[worker] = process;
+        watched[worker] = {process, 0, clockMs};
         running += process > 0 ? 1 : 0;
         return process > 0;
     }
@@ -170,7 +213,7 @@ private:
                 const int page = board->nextPage++;
                 if (page >= work.pageCount)
                     break;
-                slot.sinceMs = board->clockMs.load();
+                slot.usedBeforeNs = nanosecondsUsed(CLOCK_PROCESS_CPUTIME_ID);
                 slot.page = page;
                 const std::optional<std::string> failure = causeOfFailure(convert, page);
                 int expected = page;
@@ -221,29 +264,35 @@ private:
             work.report(-1, cause);
     }
 
-    /// Whether the worker takes too long for what it is at, which is lost then even if it ends in
-    /// the same moment: no page is both done and given up, and none is taken unheard of.
-    bool condemnIfLate(Slot &slot, int page) const
+    /// Whether the worker takes too long for what it is at, or has not used the processor for long,
+    /// which does not happen to one that waits for its turn or for a slow disk. It is lost then
+    /// even if it ends in the same moment: no page is both done and given up, and none is taken
+    /// unheard of.
+    bool condemnIfLate(Watched &worker, Slot &slot, int page) const
     {
-        return page != betweenPages &&
-               board->clockMs - slot.sinceMs > work.secondsPerPage * millisecondsPerSecond &&
-               slot.page.compare_exchange_strong(page, condemned);
+        const long long used = nanosecondsUsedBy(worker.process);
+        if (used != std::exchange(worker.usedNs, used))
+            worker.movedMs = clockMs;
+        const bool isLate = used - slot.usedBeforeNs > work.secondsPerPage * nanosecondsPerSecond ||
+                            clockMs - worker.movedMs > work.secondsOfStall * millisecondsPerSecond;
+        return page != betweenPages && isLate && slot.page.compare_exchange_strong(page, condemned);
     }
 
-    void look(int worker)
+    void look(int index)
     {
-        if (processes[worker] <= 0)
+        Watched &worker = watched[index];
+        if (worker.process <= 0)
             return;
-        Slot &slot = board->slots[worker];
+        Slot &slot = board->slots[index];
         int page = slot.page;
-        const bool isLate = condemnIfLate(slot, page);
+        const bool isLate = condemnIfLate(worker, slot, page);
         if (isLate)
-            ::kill(processes[worker], SIGKILL);
-        const std::optional<int> ended = endOf(processes[worker], isLate ? 0 : WNOHANG);
+            ::kill(worker.process, SIGKILL);
+        const std::optional<int> ended = endOf(worker.process, isLate ? 0 : WNOHANG);
         if (!ended)
             return;
         const int status = *ended;
-        processes[worker] = 0;
+        worker.process = 0;
         --running;
         if (!isLate)
             page = slot.page;
@@ -255,9 +304,9 @@ private:
         // An input that became shorter is lost for all pages.
         if (page < 0 || number == SIGBUS)
             end(ExitCode::InputUnreadable, cause);
-        else
+        else if (board->ending == 0)
             giveUp(page, cause);
-        if (hasWork() && !start(worker) && running == 0)
+        if (hasWork() && !start(index) && running == 0)
             startAll();
     }
 
@@ -265,8 +314,12 @@ private:
     int count;
     SharedMemory<Board> board;
     ChildSignal signal;
-    pid_t processes[maximalWorkers] = {};
+    Watched watched[maximalWorkers];
     int running = 0;
+    /// Time since the start. It stands still while the processes are stopped, so that this makes no
+    /// page late.
+    long long clockMs = 0;
+    long long usedAtStartNs = nanosecondsOfEnded();
 };
 
 } // namespace

@@ -19,8 +19,13 @@ struct PageWork
 {
     int pageCount = 0;
     int workerCount = 1;
-    /// Longest time one page may take; while the processes are stopped none passes.
+    /// Longest processor time that one page may take. How long that lasts is a matter of what else
+    /// the machine does.
     int secondsPerPage = pageTimeLimitSeconds;
+    /// Longest time without using the processor; while the processes are stopped none passes.
+    int secondsOfStall = stallTimeLimitSeconds;
+    /// Longest processor time of the whole work, which fails then; 0: no limit.
+    int secondsInAll = 0;
     /// What each worker process may touch; nothing unless stated.
     Permissions permissions;
     /// Called in each worker process once; gives the function that converts the page of an index.

@@ -165,6 +165,8 @@ public:
         pdf::PageWork work;
         work.pageCount = count;
         work.workerCount = pdf::usefulWorkerCount(count);
+        work.secondsInAll = request.hasRange() ? pdf::allResultsTimeLimitSeconds(count)
+                                               : pdf::allTextsTimeLimitSeconds(count);
         work.permissions.writableFolders = {pdf::folderOf(request.outputStem)};
         work.startWorker = [this] { return startWorker(); };
         work.report = [this](int index, const std::string &cause) {
