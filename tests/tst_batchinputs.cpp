@@ -108,6 +108,13 @@ void TestBatchInputs::verdicts_data()
     row("contents unreadable",
         simplePdf({"x"}, "", "/Filter /FlateDecode /DecodeParms << /Predictor 10 /Colors 99999 >>"),
         "pages given up", "page 1: given up: damaged");
+#if !defined(__SANITIZE_ADDRESS__)
+    const QByteArray wide = "<< /Predictor 10 /Columns 260000000 >>";
+    row("contents need too much memory",
+        simplePdf({"x"}, "",
+                  "/Filter [/FlateDecode /FlateDecode] /DecodeParms [" + wide + wide + "]"),
+        "pages given up", "page 1: given up: needs too much memory");
+#endif
     // What viewers read without a word.
     row("sound", sound);
     row("bytes in front", "junk\n" + sound);
