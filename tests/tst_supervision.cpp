@@ -357,6 +357,16 @@ void TestSupervision::confinement_data()
     });
     row("signal another process", false, false,
         [](const QByteArray &) { return ::kill(::getppid(), 0) == 0; });
+    row("ask for another process's limits", false, false, [](const QByteArray &) {
+        rlimit limit = {};
+        return ::prlimit(::getppid(), RLIMIT_CORE, nullptr, &limit) == 0;
+    });
+    row("lift a limit", false, false, [](const QByteArray &) {
+        rlimit limit = {};
+        return ::getrlimit(RLIMIT_NOFILE, &limit) == 0 && ::setrlimit(RLIMIT_NOFILE, &limit) == 0;
+    });
+    row("have signals sent to another process", false, false,
+        [](const QByteArray &) { return ::fcntl(STDERR_FILENO, F_SETOWN, ::getppid()) == 0; });
     row("start a process", false, false, [](const QByteArray &) { return ::fork() > 0; });
 }
 

@@ -6,7 +6,9 @@
 #include <cerrno>
 #include <cstddef>
 #include <cstdint>
+#include <fcntl.h>
 #include <initializer_list>
+#include <iterator>
 #include <linux/audit.h>
 #include <linux/filter.h>
 #include <linux/seccomp.h>
@@ -38,7 +40,6 @@ constexpr int callsOfAll[] = {
     SYS_writev,
     SYS_lseek,
     SYS_close,
-    SYS_fcntl,
     SYS_fstat,
     SYS_newfstatat,
     SYS_statx,
@@ -58,7 +59,6 @@ constexpr int callsOfAll[] = {
     SYS_getrusage,
     SYS_sysinfo,
     SYS_uname,
-    SYS_prlimit64,
     SYS_sched_getaffinity,
     SYS_sched_yield,
     SYS_getpid,
@@ -133,6 +133,35 @@ public:
         }
     }
 
+    /// What only asks or makes a second descriptor. Others have signals sent to any process.
+    void allowFileControl()
+    {
+        constexpr std::uint32_t commands[] = {F_DUPFD, F_DUPFD_CLOEXEC, F_GETFD, F_SETFD, F_GETFL};
+        constexpr auto count = static_cast<std::uint8_t>(std::size(commands));
+        add(BPF_JMP | BPF_JEQ | BPF_K, SYS_fcntl, 0, 2 * count + 2);
+        load(argument(1));
+        for (const std::uint32_t command : commands) {
+            add(BPF_JMP | BPF_JEQ | BPF_K, command, 0, 1);
+            allow();
+        }
+        refuse();
+    }
+
+    /// To ask for this process's limits, not to lift them or to look at those of others.
+    void allowAskingLimits()
+    {
+        constexpr unsigned isZero = BPF_JMP | BPF_JEQ | BPF_K;
+        add(BPF_JMP | BPF_JEQ | BPF_K, SYS_prlimit64, 0, 8);
+        load(argument(0));
+        add(isZero, 0, 0, 5);
+        load(argument(2)); // both halves of where the new limit stands
+        add(isZero, 0, 0, 3);
+        load(argument(2) + sizeof(std::uint32_t));
+        add(isZero, 0, 0, 1);
+        allow();
+        refuse();
+    }
+
     /// Forks, but none that gets namespaces, and with them rights, of its own.
     void allowFork()
     {
@@ -140,7 +169,7 @@ public:
                                              CLONE_NEWIPC | CLONE_NEWUSER | CLONE_NEWPID |
                                              CLONE_NEWNET;
         add(BPF_JMP | BPF_JEQ | BPF_K, SYS_clone, 0, 4);
-        load(offsetof(seccomp_data, args)); // the lower half: all these processors keep it first
+        load(argument(0));
         add(BPF_JMP | BPF_JSET | BPF_K, namespaces, 1, 0);
         allow();
         refuse();
@@ -164,6 +193,12 @@ private:
     {
         code.push_back({static_cast<std::uint16_t>(instruction), ifTrue, ifFalse, value});
     }
+    /// Where the lower half of an argument stands: all these processors keep it first.
+    static constexpr std::size_t argument(int index)
+    {
+        return offsetof(seccomp_data, args) +
+               static_cast<std::size_t>(index) * sizeof(std::uint64_t);
+    }
     void load(std::size_t offset)
     {
         add(BPF_LD | BPF_W | BPF_ABS, static_cast<std::uint32_t>(offset));
@@ -182,6 +217,8 @@ bool filterCalls(const Permissions &permissions)
         return false;
     Filter filter;
     filter.allow(callsOfAll);
+    filter.allowFileControl();
+    filter.allowAskingLimits();
     if (!permissions.readableFiles.empty() || !permissions.writableFolders.empty())
         filter.allow(callsToOpen);
     if (!permissions.writableFolders.empty())
