@@ -159,7 +159,7 @@ void GlyphCollector::addMark(const Baseline &line, double middle, char32_t mark)
 {
     GlyphRun run;
     run.line = line;
-    run.append(PlacedGlyph{middle, middle, mark, false, false});
+    run.append({middle, middle, mark, false, false});
     marks.push_back(std::move(run));
 }
 

@@ -14,6 +14,15 @@ namespace {
 
 /// Where no blank is shown, what is farther apart are two texts, see GlyphRun::widestGap().
 constexpr double widestMoveEm = 0.7;
+/// Letters this near have no spacing; noise and rounded widths stay below it.
+constexpr double tightEm = 0.01;
+
+/// Whether the distance between the neighbours can be letter spacing.
+bool isLetterGap(const PlacedGlyph &before, const PlacedGlyph &glyph)
+{
+    const bool isLeader = glyph.character == '.' && before.character == '.';
+    return !glyph.isContinuation && !glyph.hasBlankBefore && !isLeader;
+}
 
 } // namespace
 
@@ -46,6 +55,11 @@ void GlyphRun::append(const PlacedGlyph &glyph)
     } else if (!glyph.isContinuation) {
         PlacedGlyph &last = glyphs.back();
         last.end = std::clamp(glyph.start, last.start, last.end);
+        if (isLetterGap(last, glyph)) {
+            ++gaps;
+            if (glyph.start - last.end <= tightEm * line.em)
+                ++tightGaps;
+        }
     }
     glyphs.push_back(glyph);
 }
@@ -96,20 +110,18 @@ double GlyphRun::letterSpacing() const
     // says nothing, nor what dots that lead to a page number keep. The lower quartile, because
     // spaced letters may have a tight pair among them ("-B"), while short words that only
     // movements part ("A 1 of 2") have more tight pairs than that.
-    constexpr std::size_t fewestGaps = 2;
+    constexpr int fewestGaps = 2;
     constexpr std::size_t mostGaps = 63; // enough to tell, and long lines take no longer
-    std::array<double, mostGaps> gaps;
-    std::size_t count = 0;
-    for (std::size_t i = 1; i < glyphs.size() && count < mostGaps; ++i) {
-        const PlacedGlyph &glyph = glyphs[i];
-        const bool isLeader = glyph.character == '.' && glyphs[i - 1].character == '.';
-        if (!glyph.isContinuation && !glyph.hasBlankBefore && !isLeader)
-            gaps[count++] = glyph.start - glyphs[i - 1].end;
-    }
-    if (count < fewestGaps)
+    if (gaps < fewestGaps || tightGaps > gaps / 4)
         return 0;
-    const auto quartile = gaps.begin() + static_cast<std::ptrdiff_t>(count / 4);
-    std::nth_element(gaps.begin(), quartile, gaps.begin() + static_cast<std::ptrdiff_t>(count));
+    std::array<double, mostGaps> widths = {};
+    auto end = widths.begin();
+    for (std::size_t i = 1; i < glyphs.size() && end != widths.end(); ++i) {
+        if (isLetterGap(glyphs[i - 1], glyphs[i]))
+            *end++ = glyphs[i].start - glyphs[i - 1].end;
+    }
+    const auto quartile = widths.begin() + (end - widths.begin()) / 4;
+    std::nth_element(widths.begin(), quartile, end);
     return std::max(0.0, *quartile);
 }
 

@@ -71,6 +71,9 @@ public:
 
 private:
     [[nodiscard]] bool endsSentence() const;
+
+    int gaps = 0; ///< between letters, without a blank
+    int tightGaps = 0;
 };
 
 } // namespace pdf

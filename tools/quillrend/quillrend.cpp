@@ -224,7 +224,7 @@ private:
     void tellUnknownLetters(const std::vector<pdf::Fragment> &fragments)
     {
         const auto isUnreadable = [](const pdf::Fragment &fragment) {
-            return hasUnreadableWord(fragment.text);
+            return pdf::hasUnknownLetters(fragment.text) && hasUnreadableWord(fragment.text);
         };
         if (std::any_of(fragments.begin(), fragments.end(), isUnreadable) &&
             !hasToldUnknownLetters->exchange(true))
