@@ -457,6 +457,9 @@ void TestFragments::cornerDoesNotDependOnText()
     const QByteArray smith = showText(30, 100, "Smith");
     QByteArrayList lines = {smith + showText(60.1, 104, "2", 8),
                             smith + showText(60.1, 98, "a", 7)};
+    // Small capitals: what begins with a small letter, and a word of small letters behind another.
+    lines.append(showText(30, 100, "X", 9) + showText(36, 100, "-99") + showText(58, 100, "Y", 9));
+    lines.append(showText(30, 100, "99") + showText(46, 100, "Y", 9));
     for (const char *text : {"INV-0042", "i", "\xC4\xD6\xDC", "jgq", "_", "'", "WWWWWWWW"})
         lines.append(showText(30, 100, text));
     for (const QByteArray &line : lines) {

@@ -66,8 +66,11 @@ void GlyphRun::append(const PlacedGlyph &glyph)
 
 void GlyphRun::append(const GlyphRun &next)
 {
+    const std::size_t before = glyphs.size();
     for (const PlacedGlyph &glyph : next.glyphs)
         append(glyph);
+    if (next.line.boxSize > line.boxSize && static_cast<std::size_t>(firstWordLength()) > before)
+        line.boxSize = next.line.boxSize;
 }
 
 void GlyphRun::insert(std::size_t place, const std::vector<PlacedGlyph> &letters)

@@ -48,6 +48,9 @@ public:
     [[nodiscard]] double end() const { return glyphs.back().end; }
 
     void append(const PlacedGlyph &glyph);
+    /// Appends the glyphs of another run. The box gets the height of the largest letters of the
+    /// first word: a field in small capitals would have another corner where it begins with a small
+    /// one.
     void append(const GlyphRun &next);
     /// Adds letters that stand between its own before the one at the place, which is not the first.
     void insert(std::size_t place, const std::vector<PlacedGlyph> &letters);
