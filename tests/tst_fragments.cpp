@@ -236,6 +236,7 @@ void TestFragments::fragmentTexts_data()
         {"Number", "V A 3"});
     row("spaced letters of two words", inHelvetica("3 Tc (TAX INVOICE) Tj"), {"TAX INVOICE"});
     row("stretched word spaces", inHelvetica("4 Tw (a justified line) Tj"), {"a justified line"});
+    row("blank that the spacing takes back", inHelvetica("-1.4 Tc -1 Tw (AV AV) Tj"), {"AVAV"});
     row("tight word spaces", inHelvetica("-0.8 Tw (a tight line) Tj"), {"a tight line"});
     row("two lines", simplePdf({showText(20, 100, "upper") + showText(20, 86, "lower")}),
         {"upper", "lower"});

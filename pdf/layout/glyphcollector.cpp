@@ -169,6 +169,7 @@ void GlyphCollector::showBlank(const TextAxes &axes, const ShownGlyph &glyph)
     blankX = glyph.x;
     blankY = glyph.y;
     blankAdvance = glyph.advance * axes.line.em;
+    blankString = glyph.movesPen ? strings : 0;
 }
 
 bool GlyphCollector::isBehindBlank(const Baseline &line, double start) const
@@ -184,6 +185,16 @@ bool GlyphCollector::isBehindBlank(const Baseline &line, double start) const
            std::abs(across - line.across) <= raisedSizes * line.size;
 }
 
+bool GlyphCollector::isBlankTakenBack(const Baseline &line, double start) const
+{
+    // Letters that a producer kerns with word and letter spacing are at most 0.02 em behind the
+    // blank's place; word spaces shrink to 0.15 em. A blank of another string says that a word
+    // ends, wherever the next one is put.
+    constexpr double nearestEm = 0.05;
+    const double way = start - (blankX * line.directionX + blankY * line.directionY);
+    return blankString == strings && way < nearestEm * line.em;
+}
+
 void GlyphCollector::place(const Baseline &line, const PlacedGlyph &glyph)
 {
     const bool isOnLine = isOnLastLine(line);
@@ -191,7 +202,8 @@ void GlyphCollector::place(const Baseline &line, const PlacedGlyph &glyph)
         return; // a bold look
     // The first test settles nearly all glyphs.
     bool isContinued = isOnLine && continuesRun(line, glyph.start, false);
-    const bool isSpaced = hasBlank && (isContinued || isBehindBlank(line, glyph.start));
+    const bool isSpaced = hasBlank && !isBlankTakenBack(line, glyph.start) &&
+                          (isContinued || isBehindBlank(line, glyph.start));
     isContinued = isContinued || (isOnLine && isSpaced && continuesRun(line, glyph.start, true));
     if (!isContinued) {
         GlyphRun run;

@@ -50,6 +50,7 @@ struct ShownGlyph
     double toMiddle = 0;
     char32_t character = 0;
     bool isContinuation = false; ///< a further character of the glyph before
+    bool movesPen = true;        ///< the document states an advance of its own
 };
 
 /// Gathers the glyphs of a page into runs as they are drawn.
@@ -92,6 +93,9 @@ private:
     [[nodiscard]] bool isOutside(const TextAxes &axes, const ShownGlyph &glyph) const;
     /// Whether the last blank was shown right before the place.
     [[nodiscard]] bool isBehindBlank(const Baseline &line, double start) const;
+    /// Whether the spacing within a string has taken the pen back over the last blank, so that
+    /// nothing is seen of it.
+    [[nodiscard]] bool isBlankTakenBack(const Baseline &line, double start) const;
     [[nodiscard]] bool isOnLastLine(const Baseline &line) const;
     /// Only for what is on the last run's line.
     [[nodiscard]] bool continuesRun(const Baseline &line, double start, bool isSpaced) const;
@@ -105,6 +109,7 @@ private:
     double blankX = 0; ///< pen position of the last blank
     double blankY = 0;
     double blankAdvance = 0; ///< in pixels
+    int blankString = 0;     ///< number of the string in which it moves the pen, else 0
     bool skipsContinuations = false;
     bool hasAccent = false; ///< whether the last glyph was an accent standing alone
     Baseline accentLine;

@@ -120,11 +120,13 @@ void TextInterpreter::showGlyph(const FontGlyph &glyph, Matrix place, const Text
     shown.x = place.e;
     shown.y = place.f;
     shown.advance = glyph.advance;
+    shown.movesPen = glyph.penStep != 0;
     shown.character = glyph.characters[0];
     int next = 1;
     if (glyph.count > 1 && isBlank(shown.character)) {
         ShownGlyph blank = shown;
         blank.advance = 0;
+        blank.movesPen = false;
         collector->add(axes, blank);
         shown.character = glyph.characters[next++];
     }
@@ -132,6 +134,7 @@ void TextInterpreter::showGlyph(const FontGlyph &glyph, Matrix place, const Text
         shown.toMiddle = wayToMiddle(glyph, place, axes);
     collector->add(axes, shown);
     shown.isContinuation = true;
+    shown.movesPen = false;
     for (; next < glyph.count; ++next) {
         shown.character = glyph.characters[next];
         collector->add(axes, shown);
