@@ -18,6 +18,7 @@
 #include <fcntl.h>
 #include <functional>
 #include <poll.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -34,6 +35,8 @@ private slots:
     void pagesOfAnotherState();
     void starterIsKilled_data();
     void starterIsKilled();
+    void noNamelessFiles_data();
+    void noNamelessFiles();
     void readerIsLost_data();
     void readerIsLost();
 };
@@ -249,6 +252,48 @@ void TestInterruptions::starterIsKilled()
     for (const QString &file : namesIn(folder.path()))
         QVERIFY2(file == "in.pdf" || readFile(folder.filePath(file)).endsWith("</span>\n"),
                  qPrintable(file));
+}
+
+void TestInterruptions::noNamelessFiles_data()
+{
+    QTest::addColumn<QString>("work");
+    QTest::newRow("stavekit") << "-getinfo";
+    QTest::newRow("quillrend") << "-htmlformat";
+}
+
+/// What a killed tool leaves goes with the next one; what another one is writing, or is none,
+/// stays.
+void TestInterruptions::noNamelessFiles()
+{
+#if defined(__SANITIZE_ADDRESS__)
+    QSKIP("sanitizers must be loaded first");
+#endif
+    QFETCH(QString, work);
+    const QTemporaryDir folder;
+    writeFile(folder.filePath("in.pdf"), simplePdf({showText(20, 100, "page")}));
+    const QStringList others = {".sendrivo-aaaaaa", ".sendrivo-cccccc", ".sendrivo-notes",
+                                "in.pdf"};
+    writeFile(folder.filePath(others[0]), "held");
+    writeFile(folder.filePath(others[2]), "mine");
+    QFile::link("in.pdf", folder.filePath(others[1]));
+    const int held = ::open(qPrintable(folder.filePath(others[0])), O_RDONLY | O_CLOEXEC);
+    QCOMPARE(::flock(held, LOCK_EX), 0);
+    const auto run = [&](const char *mayEnd) {
+        QProcess process;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("LD_PRELOAD", SENDRIVO_TEST_CALLS);
+        environment.insert("SENDRIVO_TEST_NAMED", "1");
+        environment.insert(mayEnd, "1");
+        process.setProcessEnvironment(environment);
+        start(process, work, folder.path());
+        process.waitForFinished();
+        return namesIn(folder.path()).size();
+    };
+    QCOMPARE(run("SENDRIVO_TEST_END"), others.size() + 1);
+    QCOMPARE(run("NOTHING"), others.size() + 1);
+    QFile::remove(work == "-getinfo" ? folder.filePath("out.pdf") : layoutPath(folder.path(), 1));
+    QCOMPARE(namesIn(folder.path()), others);
+    ::close(held);
 }
 
 void TestInterruptions::readerIsLost_data()

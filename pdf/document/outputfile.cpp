@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
@@ -23,32 +24,84 @@ std::string processLink(int fd)
     return "/proc/self/fd/" + std::to_string(fd);
 }
 
+constexpr std::string_view temporaryPrefix = ".sendrivo-";
+constexpr std::string_view randomPart = "XXXXXX";
+
 /// A name for the file in folder that nothing has yet, without creating it.
 std::string unusedName(const std::string &folder)
 {
     static unsigned counter = 0;
-    return folder + "/.sendrivo-" + std::to_string(::getpid()) + "-" + std::to_string(++counter);
+    return folder + '/' + std::string(temporaryPrefix) + std::to_string(::getpid()) + "-" +
+           std::to_string(++counter);
 }
 
+/// A file that is open, and with it its lock, until the end of the block.
+class Descriptor
+{
+public:
+    explicit Descriptor(int openFile) : file(openFile) {}
+    ~Descriptor()
+    {
+        if (file >= 0)
+            ::close(file);
+    }
+    Descriptor(const Descriptor &) = delete;
+    Descriptor &operator=(const Descriptor &) = delete;
+
+private:
+    int file;
+};
+
 } // namespace
+
+int openNameless(const std::string &folder)
+{
+    // Naming a nameless file later goes through /proc, which a container may lack.
+    if (::access("/proc/self/fd", X_OK) != 0)
+        return -1;
+    return ::open(folder.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0666);
+}
+
+bool isTemporaryName(std::string_view name)
+{
+    if (name.substr(0, temporaryPrefix.size()) != temporaryPrefix)
+        return false;
+    name.remove_prefix(temporaryPrefix.size());
+    const bool isRandom = name.size() == randomPart.size() && name.find('-') == name.npos;
+    return isRandom ||
+           (name.find('-') != name.npos && name.find_first_not_of("0123456789-") == name.npos);
+}
 
 OutputFile::OutputFile(const std::string &path) : target(path)
 {
     const std::string folder = folderOf(path);
-    // Naming a nameless file later goes through /proc, which a container may lack.
-    if (::access("/proc/self/fd", X_OK) == 0)
-        fd = ::open(folder.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0666);
+    fd = openNameless(folder);
     if (fd < 0)
         openNamed(folder);
 }
 
-void OutputFile::openNamed(const std::string &folder)
+/// False when the file was taken for an abandoned one before it was locked.
+bool OutputFile::tryNamed(const std::string &folder)
 {
-    std::string name = folder + "/.sendrivo-XXXXXX";
+    std::string name = folder + '/' + std::string(temporaryPrefix) + std::string(randomPart);
     fd = ::mkostemp(name.data(), O_CLOEXEC);
     if (fd < 0)
         fail();
-    temporaryName = std::move(name);
+    // A file system without locks leaves it unlocked, and nobody takes it for abandoned.
+    const bool isTaken = ::flock(fd, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+    struct stat status = {};
+    if (!isTaken && ::fstat(fd, &status) == 0 && status.st_nlink > 0) {
+        temporaryName = std::move(name);
+        return true;
+    }
+    ::close(std::exchange(fd, -1));
+    return false;
+}
+
+void OutputFile::openNamed(const std::string &folder)
+{
+    while (!tryNamed(folder)) {
+    }
     // mkostemp gives a file to its owner only; an output gets what the umask allows, as others do.
     const mode_t mask = ::umask(0);
     ::umask(mask);
@@ -99,11 +152,14 @@ void OutputFile::publish()
             if (errno != EEXIST)
                 fail();
             std::string name = unusedName(folderOf(target));
+            ::flock(fd, LOCK_EX | LOCK_NB);
             if (::linkat(AT_FDCWD, link.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) != 0)
                 fail();
             temporaryName = std::move(name);
         }
     }
+    // Closing gives the lock up, unless there is another descriptor of the file.
+    const Descriptor held(temporaryName.empty() ? -1 : ::fcntl(fd, F_DUPFD_CLOEXEC, 0));
     // Network file systems report a full disk only here.
     const int descriptor = std::exchange(fd, -1);
     if (::close(descriptor) != 0) {

@@ -11,7 +11,8 @@ namespace pdf {
 /// A file that appears under its name only when it is complete. Until publish() the bytes lie in a
 /// nameless file of the target folder, so a tool that is killed leaves neither half a result nor
 /// litter. Where the file system knows no nameless files it is a hidden, named one, which stays
-/// when the tool is killed.
+/// when the tool is killed until a later one removes it (abandonedoutputs.h): it is locked as long
+/// as its process lives.
 class OutputFile
 {
 public:
@@ -29,6 +30,7 @@ public:
 private:
     [[noreturn]] void fail() const;
     void openNamed(const std::string &folder);
+    bool tryNamed(const std::string &folder);
     void flush();
 
     std::string target;
@@ -36,6 +38,11 @@ private:
     std::string pending;       ///< bytes not yet handed to the system
     int fd = -1;
 };
+
+/// Opens a nameless file in the folder for writing; -1 where there are none.
+[[nodiscard]] int openNameless(const std::string &folder);
+/// Whether a file may have that name while it is written.
+[[nodiscard]] bool isTemporaryName(std::string_view name);
 
 /// The folder in which the path names something, "." for a bare name.
 [[nodiscard]] std::string folderOf(const std::string &path);

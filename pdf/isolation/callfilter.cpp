@@ -90,7 +90,7 @@ constexpr int callsToWrite[] = {
 #ifdef SYS_rename
     SYS_rename,    SYS_unlink,
 #endif
-    SYS_ftruncate, SYS_fchmod,   SYS_umask,
+    SYS_ftruncate, SYS_fchmod,   SYS_umask,     SYS_flock,
 };
 
 /// Signals cannot be told apart by their receiver; Landlock keeps them inside.

@@ -3,6 +3,7 @@
 
 #include "tools/quillrend/quillrend.h"
 
+#include "pdf/document/abandonedoutputs.h"
 #include "pdf/document/document.h"
 #include "pdf/document/outputfile.h"
 #include "pdf/document/pageranges.h"
@@ -257,6 +258,7 @@ pdf::ExitCode run(const std::vector<std::string> &arguments)
         removeEarlierPages(request);
     };
     try {
+        pdf::removeAbandonedOutputs(folder);
         pdf::continueInChild(fail);
         pdf::confine({{request.input}, {folder}, true});
         return convert(request);

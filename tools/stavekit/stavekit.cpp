@@ -5,6 +5,7 @@
 
 #include "pdf/assembly/assembly.h"
 #include "pdf/assembly/documentinfo.h"
+#include "pdf/document/abandonedoutputs.h"
 #include "pdf/document/document.h"
 #include "pdf/document/mappedfile.h"
 #include "pdf/document/outputfile.h"
@@ -136,6 +137,7 @@ pdf::ExitCode run(const std::vector<std::string> &arguments)
     if (pdf::isSameFile(request.input, request.output))
         throw pdf::Error(pdf::ExitCode::Usage, request.output + ": is the input file itself");
     pdf::removeStaleOutput(request.output);
+    pdf::removeAbandonedOutputs(pdf::folderOf(request.output));
     const std::optional<InputState> expected = expectedState(request);
     // Soon, before other pages or damage get the blame. A missing file is one for the reader.
     if (const std::optional<InputState> state = inputState(request.input))
