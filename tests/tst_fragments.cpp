@@ -226,6 +226,10 @@ void TestFragments::fragmentTexts_data()
     row("spaced letters with a tight pair",
         inHelvetica("[(\\() -300 (1) -300 (7) -300 (\\)) -300 (-) (B) -300 (/) -300 (1)] TJ"),
         {"(17)-B/1"});
+    row("letter shown apart from its word",
+        simplePdf({"BT /F1 10 Tf 20 100 Td [(Nguy) -556 (n) -278 (An)] TJ ET " +
+                   showText(43.3, 100, "e", 10)}),
+        {"Nguyen An"});
     row("single letters parted by movements", inHelvetica("[(A) -278 (1) -278 (B2)] TJ"),
         {"A 1 B2"});
     row("dots that lead to a number",

@@ -117,6 +117,25 @@ void removeRepeated(const GlyphRun &earlier, GlyphRun &later)
         glyphs = std::move(kept);
 }
 
+/// Before which of the run's glyphs the other one stands if it fills a gap between two of them,
+/// else 0: a letter that the font does not have is shown in another font, often after the line.
+std::size_t gapFilledBy(const GlyphRun &run, const GlyphRun &other)
+{
+    constexpr double overlapEm = 0.1;        // kerning
+    constexpr double largestSizeRatio = 1.2; // raised letters are another matter
+    const auto &glyphs = run.glyphs;
+    const double overlap = overlapEm * run.line.em;
+    const auto next = std::upper_bound(
+        glyphs.begin(), glyphs.end(), other.start(),
+        [](double start, const PlacedGlyph &glyph) { return start < glyph.start; });
+    const bool isInside = next != glyphs.begin() && next != glyphs.end() && !next->hasBlankBefore &&
+                          other.start() >= std::prev(next)->end - overlap &&
+                          other.end() <= next->start + overlap &&
+                          std::max(run.line.size, other.line.size) <=
+                              largestSizeRatio * std::min(run.line.size, other.line.size);
+    return isInside ? static_cast<std::size_t>(next - glyphs.begin()) : 0;
+}
+
 /// Appends the runs of one line, which come by their starts, to those of its fragments.
 class LineJoiner
 {
@@ -141,6 +160,10 @@ public:
         }
         if (count > 0 && isContinuedBy(joined.back(), run)) {
             joined.back().append(run);
+            return;
+        }
+        if (const std::size_t place = count > 0 ? gapFilledBy(joined.back(), run) : 0) {
+            joined.back().insert(place, run.glyphs);
             return;
         }
         const std::size_t letters = spacedLettersBefore(run);
