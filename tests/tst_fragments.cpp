@@ -355,6 +355,17 @@ void TestFragments::fragmentTexts_data()
     row("letters mapped to control characters",
         mappedPdf(mappedLine("abcXb"), {"0041", "0007", "000C"}), {"AbcXb"});
     row("line separator", mappedPdf(mappedLine("abc"), {"0041", "2028", "0042"}), {"A B"});
+    row("ligatures with their bytes swapped",
+        mappedPdf(mappedLine("ab c"), {"66006900", "6600CF00", "66006906"}),
+        {QString::fromUtf8("fiffi \u6600\u6906")});
+    row("minus that is the font's hyphen",
+        pageWithFont("BT /F2 12 Tf 20 100 Td (A-\\261) Tj ET",
+                     [](PdfBuilder &file) {
+                         return "<< /Type /Font /Subtype /Type1 /BaseFont /Courier /Encoding << "
+                                "/Differences [177 /minus] >> /ToUnicode " +
+                                PdfBuilder::ref(addUnicodeMap(file, "FF", '-', {"2212"})) + " >>";
+                     }),
+        {QString::fromUtf8("A-\u2212")});
     row("lone surrogate", mappedPdf(mappedLine("ab"), {"0041", "D800"}), {"Ab"});
     row("beyond the basic plane", mappedPdf(mappedLine("a"), {"D83DDE00"}),
         {QString::fromUtf8("😀")});

@@ -68,6 +68,35 @@ bool isNoCharacter(const int *characters, int count)
                            (first >= 0xD800 && first <= 0xDFFF) || (first & 0xFFFE) == 0xFFFE));
 }
 
+/// Puts right what one version of a widespread distiller wrote of ligatures: two letters with
+/// their bytes swapped, and of "ffi" the last two added up (<6600CF00>). Two characters that both
+/// end in 00 and begin with the code of a letter are nothing else.
+void unswap(FontGlyph &entry)
+{
+    constexpr char32_t letterF = 'f';
+    constexpr int ligature = 2;
+    const auto isLetter = [](char32_t c) { return (c | 0x20) >= 'a' && (c | 0x20) <= 'z'; };
+    char32_t *const c = entry.characters;
+    if (entry.count != ligature || ((c[0] | c[1]) & 0xFF) != 0 || !isLetter(c[0] >> 8))
+        return;
+    const char32_t last = c[1] >> 8;
+    if (isLetter(last)) {
+        c[0] >>= 8;
+        c[1] = last;
+    } else if (c[0] >> 8 == letterF && last > letterF && isLetter(last - letterF)) {
+        c[0] = c[1] = letterF;
+        c[2] = last - letterF;
+        entry.count = ligature + 1;
+    }
+}
+
+/// Whether the character looks like the hyphen of ASCII, and is another one only for producers that
+/// tell them apart.
+bool isLikeHyphen(char32_t c)
+{
+    return c == 0x2010 || c == 0x2011 || c == 0x2212;
+}
+
 /// Leaves what is read of several characters: none without a trace, one blank between others, and
 /// the letter before its marks, wherever the font's map puts it.
 void tidy(FontGlyph &entry)
@@ -173,7 +202,11 @@ void FontGlyphs::fillCharacters(FontGlyph &entry, int cid)
             entry.count = known;
         }
     } else if (count > 1) {
+        unswap(entry);
         tidy(entry);
+    } else if (isLikeHyphen(entry.characters[0]) && description->font->t3procs == nullptr &&
+               unknownGlyphs.known(entry.glyph) == '-') {
+        entry.characters[0] = '-';
     }
 }
 

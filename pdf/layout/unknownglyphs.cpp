@@ -168,15 +168,19 @@ char32_t UnknownGlyphs::mapped(int glyph)
     return charactersOfGlyphs[static_cast<std::size_t>(glyph) % glyphs];
 }
 
+char32_t UnknownGlyphs::known(int glyph)
+{
+    const char32_t character = named(glyph);
+    return character != 0 ? character : mapped(glyph);
+}
+
 int UnknownGlyphs::read(int glyph, char32_t *characters)
 {
     fz_font *font = description->font;
     const bool isDrawing = font->t3procs != nullptr;
     // The glyph 0 stands for those that a font does not have.
     if (!isDrawing && glyph != 0) {
-        characters[0] = named(glyph);
-        if (characters[0] == 0)
-            characters[0] = mapped(glyph);
+        characters[0] = known(glyph);
         if (characters[0] != 0)
             return 1;
     }

@@ -31,6 +31,8 @@ public:
     /// it has none; gives how many characters. 0 when the font does not have the glyph.
     /// Throws std::bad_alloc and MuPDF exceptions.
     [[nodiscard]] int read(int glyph, char32_t *characters);
+    /// The character by the glyph's name or the font's own map, 0 where they tell nothing.
+    [[nodiscard]] char32_t known(int glyph);
     /// Writes the pair for a code that has no glyph; gives 2.
     [[nodiscard]] int readCode(unsigned code, char32_t *characters) const;
 
