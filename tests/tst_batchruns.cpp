@@ -260,6 +260,10 @@ private slots:
     {
         QFETCH(int, descriptors);
         QFETCH(int, exitCode);
+#if defined(__SANITIZE_ADDRESS__)
+        if (exitCode != 0)
+            QSKIP("The sanitizers end a program that has no descriptors for their reports.");
+#endif
         QProcess shell;
         shell.start("bash",
                     QStringList{"-c", "ulimit -n $0; exec \"$@\"", QString::number(descriptors),
