@@ -18,8 +18,9 @@ constexpr double layoutDpi = 96;
 ///
 /// The box follows from the pen's way and the font size and never from the shapes of the letters:
 /// for upright text it begins at the pen position of the first visible glyph, ends behind the last
-/// one's advance, reaches 0.8 em above the baseline and is 1 em high. Text that runs in another
-/// direction has the upright box around such a box.
+/// one's advance, reaches 0.8 em above the baseline and is 1 em high, the em being that of the
+/// largest letters of the first word. Text that runs in another direction has the upright box
+/// around such a box. Letters without characters are pairs of private ones (unknownglyphs.h).
 struct Fragment
 {
     int left = 0;

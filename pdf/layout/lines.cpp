@@ -162,9 +162,11 @@ public:
             joined.back().append(run);
             return;
         }
-        if (const std::size_t place = count > 0 ? gapFilledBy(joined.back(), run) : 0) {
-            joined.back().insert(place, run.glyphs);
-            return;
+        if (count > 0 && run.start() < joined.back().end()) {
+            if (const std::size_t place = gapFilledBy(joined.back(), run)) {
+                joined.back().insert(place, run.glyphs);
+                return;
+            }
         }
         const std::size_t letters = spacedLettersBefore(run);
         joined.push_back(std::move(run));

@@ -208,9 +208,12 @@ int UnknownGlyphs::readCode(unsigned code, char32_t *characters) const
 bool hasUnknownLetters(std::string_view text)
 {
     // The planes 15 and 16 begin with the bytes F3 B0 and F4 80.
-    for (std::size_t i = 0; i + 1 < text.size(); ++i) {
-        const auto lead = static_cast<unsigned char>(text[i]);
-        if (lead == 0xF4 || (lead == 0xF3 && static_cast<unsigned char>(text[i + 1]) >= 0xB0))
+    const auto isHigh = [](char c) { return static_cast<unsigned char>(c) >= 0xF3; };
+    for (auto c = std::find_if(text.begin(), text.end(), isHigh); c != text.end();
+         c = std::find_if(c + 1, text.end(), isHigh)) {
+        const bool isLast = c + 1 == text.end();
+        const bool isPlane15 = !isLast && static_cast<unsigned char>(c[1]) >= 0xB0;
+        if (static_cast<unsigned char>(*c) == 0xF4 || isPlane15)
             return true;
     }
     return false;
